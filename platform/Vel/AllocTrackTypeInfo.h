@@ -1,0 +1,49 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <string>
+#include <typeinfo>
+#include <vector>
+
+namespace Vel {
+
+// Allocation tracking record of one type: how many objects of the type made by
+// Vel::allocate are alive and how many were made in all. Every record is listed
+// in a process-wide registry, so tests can check that nothing is left alive.
+class AllocTrackTypeInfo {
+ public:
+  explicit AllocTrackTypeInfo(const std::type_info& type);
+  ~AllocTrackTypeInfo();
+  AllocTrackTypeInfo(const AllocTrackTypeInfo&) = delete;
+  AllocTrackTypeInfo& operator=(const AllocTrackTypeInfo&) = delete;
+
+  // The record of T, created on first use.
+  template <class T>
+  static AllocTrackTypeInfo& of() {
+    static AllocTrackTypeInfo record(typeid(T));
+    return record;
+  }
+
+  // The readable (demangled) name of the type.
+  const std::string& typeName() const noexcept { return typeName_; }
+  std::size_t liveObjects() const noexcept { return live_.load(std::memory_order_relaxed); }
+  std::size_t totalAllocated() const noexcept { return total_.load(std::memory_order_relaxed); }
+
+  void allocated() noexcept;
+  void released() noexcept;
+
+  // The record of the type with this readable name, or null.
+  static const AllocTrackTypeInfo* find(const std::string& typeName);
+  // Every record made so far in the process.
+  static std::vector<const AllocTrackTypeInfo*> all();
+  // Sum of live objects over all records.
+  static std::size_t liveObjectsOfAllTypes();
+
+ private:
+  std::string typeName_;
+  std::atomic<std::size_t> live_{0};
+  std::atomic<std::size_t> total_{0};
+};
+
+}  // namespace Vel
