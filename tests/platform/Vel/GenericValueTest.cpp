@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "ReflectTestFamily.h"
+#include "ReflectTestHelpers.h"
 #include "Vel/Allocate.h"
 #include "Vel/BuiltinType.h"
 #include "Vel/RangeException.h"
@@ -16,20 +17,14 @@ using Library::DeskLamp;
 using Library::Lamp;
 using Vel::GenericValue;
 
-// The message of the RangeException that `read` raises.
 template <class Read>
 std::string rangeMessage(Read read) {
-  try {
-    read();
-  } catch (const Vel::RangeException& e) {
-    return e.message();
-  }
-  return "no exception";
+  return Library::messageOf<Vel::RangeException>(read);
 }
 
 class GenericValueTest : public ::testing::Test {
  protected:
-  void TearDown() override { EXPECT_EQ(Library::liveObjects(), 0u); }
+  Library::LeakCheck leakCheck_;
 };
 
 TEST_F(GenericValueTest, EmptyValueHasNoTypeAndCannotBeRead) {
