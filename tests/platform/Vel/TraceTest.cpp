@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "Vel/Format.h"
 #include "Vel/ParseException.h"
 #include "Vel/RangeException.h"
 #include "Vel/TraceCapture.h"
@@ -359,7 +360,7 @@ TEST(TraceConcurrencyTest, DefaultSinkWritesWholeLinesFromThreads) {
   for (int t = 0; t < threads; ++t) {
     workers.emplace_back([&handle, t] {
       for (int i = 0; i < tracesPerThread; ++i) {
-        traceAt(handle, 7, "t" + std::to_string(t) + "." + std::to_string(i), 1, "f");
+        traceAt(handle, 7, Vel::format("t%d.%d", t, i), 1, "f");
       }
     });
   }
