@@ -56,6 +56,11 @@ void expectThrowsWithMessage(const std::function<void()>& action, const std::str
   }
 }
 
+// Reading the settings in `text`, as an action to run later.
+std::function<void()> settingsOf(const std::string& text) {
+  return [text] { TraceHandle::levelSettings(text); };
+}
+
 // A sink that counts what it is given.
 class CountingSink : public TraceSink {
  public:
@@ -274,8 +279,7 @@ TEST(TraceSettingsTest, TextOfAnotherFormIsAParseError) {
   };
   for (const auto& [text, message] : cases) {
     SCOPED_TRACE(text);
-    expectThrowsWithMessage<Vel::ParseException>([&] { TraceHandle::levelSettings(text); },
-                                                 message);
+    expectThrowsWithMessage<Vel::ParseException>(settingsOf(text), message);
   }
 }
 
@@ -287,8 +291,7 @@ TEST(TraceSettingsTest, LevelOutsideMinusOneToNineIsARangeError) {
   };
   for (const auto& [text, message] : cases) {
     SCOPED_TRACE(text);
-    expectThrowsWithMessage<Vel::RangeException>([&] { TraceHandle::levelSettings(text); },
-                                                 message);
+    expectThrowsWithMessage<Vel::RangeException>(settingsOf(text), message);
   }
 }
 
