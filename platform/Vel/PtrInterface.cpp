@@ -12,20 +12,31 @@ std::atomic<bool> threadSafe{false};
 
 }  // namespace
 
-void threadSafePtrIs(bool on) noexcept { threadSafe.store(on, std::memory_order_seq_cst); }
+void threadSafePtrIs(bool on) noexcept {
+  threadSafe.store(on, std::memory_order_seq_cst);
+}
 
-bool threadSafePtr() noexcept { return threadSafe.load(std::memory_order_relaxed); }
+bool threadSafePtr() noexcept {
+  return threadSafe.load(std::memory_order_relaxed);
+}
 
-NotifieeList* PtrInterface::notifieeList() const { return nullptr; }
+NotifieeList* PtrInterface::notifieeList() const {
+  return nullptr;
+}
 
-void PtrInterface::hasNotificationActiveIs(bool active) { notificationActive_ = active; }
+void PtrInterface::hasNotificationActiveIs(bool active) {
+  notificationActive_ = active;
+}
 
 void PtrInterface::zeroReferencesIs(bool) {}
 
-const TypeRecord* PtrInterface::fwkType() const { return nullptr; }
+const TypeRecord* PtrInterface::fwkType() const {
+  return nullptr;
+}
 
 PtrInterface::~PtrInterface() {
-  if (referenceWord() & referencedInTextBit) ObjectReference::forget(this);
+  if (referenceWord() & referencedInTextBit)
+    ObjectReference::forget(this);
 }
 
 void PtrInterface::newRef() const noexcept {
@@ -37,6 +48,11 @@ void PtrInterface::newRef() const noexcept {
 }
 
 void PtrInterface::deleteRef() const noexcept {
+  if (dropReference() == 0)
+    handleZeroRef();
+}
+
+std::uint32_t PtrInterface::dropReference() const noexcept {
   std::uint32_t before;
   if (threadSafePtr()) {
     before = word_.fetch_sub(1, std::memory_order_acq_rel);
@@ -45,7 +61,7 @@ void PtrInterface::deleteRef() const noexcept {
     word_.store(before - 1, std::memory_order_relaxed);
   }
   QUILL_ASSERT((before & refCountMask) != 0);
-  if ((before & refCountMask) == 1) handleZeroRef();
+  return (before & refCountMask) - 1;
 }
 
 void PtrInterface::flagIs(std::uint32_t bit, bool on) const noexcept {
@@ -62,14 +78,19 @@ void PtrInterface::flagIs(std::uint32_t bit, bool on) const noexcept {
 }
 
 void PtrInterface::handleZeroRef() const {
+  // A guard reference keeps the object whole while its zero-reference hook runs:
+  // a notifiee may take and drop references there without destroying it again.
+  newRef();
   const_cast<PtrInterface*>(this)->zeroReferencesIs(true);
-  if (references() == 0) destroy();
+  if (dropReference() == 0)
+    destroy();
 }
 
 void PtrInterface::destroy() const noexcept {
   AllocTrackTypeInfo* track = allocTrack_;
   delete this;
-  if (track != nullptr) track->released();
+  if (track != nullptr)
+    track->released();
 }
 
 }  // namespace Vel

@@ -40,13 +40,17 @@ class PtrInterface {
   virtual const TypeRecord* fwkType() const;
   virtual ~PtrInterface();
 
-  std::uint32_t references() const noexcept { return word_.load(std::memory_order_relaxed) & refCountMask; }
+  std::uint32_t references() const noexcept {
+    return word_.load(std::memory_order_relaxed) & refCountMask;
+  }
   std::uint32_t referenceWord() const noexcept { return word_.load(std::memory_order_relaxed); }
   void newRef() const noexcept;
   // Drops one reference; at zero the object is destroyed through handleZeroRef.
   void deleteRef() const noexcept;
 
-  bool velMarkedForDeletion() const noexcept { return (referenceWord() & markedForDeletionBit) != 0; }
+  bool velMarkedForDeletion() const noexcept {
+    return (referenceWord() & markedForDeletionBit) != 0;
+  }
   void velMarkedForDeletionIs(bool marked) const noexcept { flagIs(markedForDeletionBit, marked); }
   bool hasNotificationActive() const noexcept { return notificationActive_; }
 
@@ -62,6 +66,8 @@ class PtrInterface {
   virtual void handleZeroRef() const;
 
  private:
+  // Drops one reference without acting on zero; returns the count left.
+  std::uint32_t dropReference() const noexcept;
   void destroy() const noexcept;
 
   mutable std::atomic<std::uint32_t> word_{0};

@@ -12,8 +12,10 @@ int failIfZero(int value) {
 }
 
 TEST(AssertDeathTest, ReportsExpressionFileLineAndFunctionThenAborts) {
-  const std::string expected = std::string("^") + __FILE__ + ":10: int \\{anonymous\\}::failIfZero\\(int\\): " +
-                               "Assertion 'value != 0' failed\\.\n$";
+  const std::string expected =
+      std::string("^") + __FILE__ +
+      ":10: int (\\{anonymous\\}|\\(anonymous namespace\\))::failIfZero\\(int\\): " +
+      "Assertion 'value != 0' failed\\.\n$";
   EXPECT_DEATH(failIfZero(0), expected);
 }
 
