@@ -25,10 +25,18 @@ using Library::Shelf;
 using Vel::GenericIf;
 using Vel::GenericValue;
 
-GenericValue u32(std::uint32_t v) { return Vel::BuiltinType<std::uint32_t>::value(v); }
-GenericValue u16(std::uint16_t v) { return Vel::BuiltinType<std::uint16_t>::value(v); }
-GenericValue boolean(bool v) { return Vel::BuiltinType<bool>::value(v); }
-GenericValue text(const char* v) { return Vel::BuiltinType<Vel::String>::value(v); }
+GenericValue u32(std::uint32_t v) {
+  return Vel::BuiltinType<std::uint32_t>::value(v);
+}
+GenericValue u16(std::uint16_t v) {
+  return Vel::BuiltinType<std::uint16_t>::value(v);
+}
+GenericValue boolean(bool v) {
+  return Vel::BuiltinType<bool>::value(v);
+}
+GenericValue text(const char* v) {
+  return Vel::BuiltinType<Vel::String>::value(v);
+}
 GenericValue position(std::uint32_t row, bool front) {
   return GenericValue(Library::positionType, Position{row, front});
 }
@@ -126,7 +134,8 @@ TEST_F(GenericIfTest, ObjectAttributeIsWrittenAndReadAsACountedReference) {
 TEST_F(GenericIfTest, ObjectOfTheWrongTypeIsRefusedByTheWrite) {
   Vel::Ptr<Book> book = Vel::allocate<Book>(1, "Odes");
   EXPECT_EQ(rangeMessage([&] {
-              shelfIf_.attribute("lamp", GenericIf::opWrite, {GenericValue(Library::bookType, book)});
+              shelfIf_.attribute("lamp", GenericIf::opWrite,
+                                 {GenericValue(Library::bookType, book)});
             }),
             "A value of type 'Library::Book' cannot be read as 'Vel::Ptr<Library::Lamp>'");
   EXPECT_EQ(shelf_->lamp(), nullptr);
@@ -149,7 +158,8 @@ TEST_F(GenericIfTest, ValueAttributeOfAnObjectIsWrittenAndRead) {
 TEST_F(GenericIfTest, EnumerationAttributeIsWrittenAndReadAsTheEnumeration) {
   Vel::Ptr<Lamp> lamp = Vel::allocate<Lamp>();
   GenericIf lampIf(lamp);
-  lampIf.attribute("finish", GenericIf::opWrite, {GenericValue(Library::finishType, Finish::glossy)});
+  lampIf.attribute("finish", GenericIf::opWrite,
+                   {GenericValue(Library::finishType, Finish::glossy)});
   EXPECT_EQ(lamp->finish(), Finish::glossy);
   const GenericValue read = lampIf.attribute("finish", GenericIf::opRead);
   EXPECT_EQ(read.type(), &Library::finishType);
@@ -185,9 +195,8 @@ TEST_F(GenericIfTest, BaseTypesRefusalNamesTheAttributeAsAsked) {
 }
 
 TEST_F(GenericIfTest, AttributeThatNoTypeServesIsNotSupported) {
-  const Vel::TypeRecord unserved(
-      "Library::Unserved", Vel::TypeRecord::Kind::value, nullptr,
-      {{"size", Vel::BuiltinType<std::uint32_t>::instance(), 2}}, {});
+  const Vel::TypeRecord unserved("Library::Unserved", Vel::TypeRecord::Kind::value, nullptr,
+                                 {{"size", Vel::BuiltinType<std::uint32_t>::instance(), 2}}, {});
   GenericIf valueIf(GenericValue(unserved, 5u));
   EXPECT_EQ(notSupportedMessage([&] { valueIf.attribute("size", GenericIf::opRead); }),
             "Operation 0 is not supported on attribute 'size' of type 'Library::Unserved'");
@@ -232,7 +241,8 @@ TEST_F(GenericIfTest, ContainsTellsWhetherTheKeyIsPresent) {
 }
 
 TEST_F(GenericIfTest, CountersAnswerTheCollectionsBookkeepingAsUnsignedNumbers) {
-  for (std::uint32_t id = 1; id <= 5; ++id) shelf_->bookIs(id, "Vol");
+  for (std::uint32_t id = 1; id <= 5; ++id)
+    shelf_->bookIs(id, "Vol");
   const GenericValue size = shelfIf_.attribute("book", GenericIf::opSize);
   EXPECT_EQ(size.type(), &Vel::BuiltinType<std::uint32_t>::instance());
   EXPECT_EQ(size.get<std::uint32_t>(), 5u);
@@ -375,8 +385,7 @@ TEST_F(GenericIfTest, UnknownTypeNameIsARangeException) {
 // ---- Access itself
 
 TEST_F(GenericIfTest, AccessToNothingIsARangeException) {
-  EXPECT_EQ(rangeMessage([] { GenericIf{GenericValue()}; }),
-            "Reflective access to an empty value");
+  EXPECT_EQ(rangeMessage([] { GenericIf{GenericValue()}; }), "Reflective access to an empty value");
   EXPECT_EQ(rangeMessage([] { GenericIf{Vel::Ptr<Shelf>()}; }),
             "Reflective access to a null object");
   EXPECT_EQ(rangeMessage([] { GenericIf{Vel::allocate<Vel::PtrInterface>()}; }),
