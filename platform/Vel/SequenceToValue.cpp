@@ -203,7 +203,7 @@ void sequenceToValue(Iterator& pos, const Iterator& end, Name* out) {
 }
 
 Ptr<const PtrInterface> sequenceToObject(Iterator& pos, const Iterator& end,
-                                         bool (*isExpectedType)(const PtrInterface& object)) {
+                                         bool (*isExpectedType)(const PtrInterface* object)) {
   const Iterator wordStop = wordEnd(pos, end);
   if (textBetween(pos, wordStop) == "None") {
     pos = wordStop;
@@ -221,7 +221,7 @@ Ptr<const PtrInterface> sequenceToObject(Iterator& pos, const Iterator& end,
   Ptr<const PtrInterface> object = ObjectReference::resolve(id);
   if (!object)
     throwRangeException(referenceText(typeName, id) + " names no live object");
-  if (!isExpectedType(*object)) {
+  if (!isExpectedType(object.get())) {
     throwRangeException(referenceText(typeName, id) + " names an object of another type");
   }
   pos = p;

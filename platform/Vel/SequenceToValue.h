@@ -46,7 +46,7 @@ void sequenceToValue(String::IteratorConst& pos, const String::IteratorConst& en
 // RangeException. Advances pos past the reference.
 Ptr<const PtrInterface> sequenceToObject(String::IteratorConst& pos,
                                          const String::IteratorConst& end,
-                                         bool (*isExpectedType)(const PtrInterface& object));
+                                         bool (*isExpectedType)(const PtrInterface* object));
 
 // Reads a reference to a T (or to a T const) as sequenceToObject does; an object
 // that is not a T is of another type.
@@ -54,7 +54,7 @@ template <class T>
 void sequenceToValue(String::IteratorConst& pos, const String::IteratorConst& end, Ptr<T>* out) {
   using ConstT = std::add_const_t<T>;
   const Ptr<const PtrInterface> object = sequenceToObject(
-      pos, end, [](const PtrInterface& o) { return dynamic_cast<ConstT*>(&o) != nullptr; });
+      pos, end, [](const PtrInterface* o) { return dynamic_cast<ConstT*>(o) != nullptr; });
   *out = const_cast<std::remove_const_t<T>*>(dynamic_cast<ConstT*>(object.get()));
 }
 
