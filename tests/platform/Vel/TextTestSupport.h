@@ -4,6 +4,15 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
+
+#if __has_include(<sanitizer/asan_interface.h>)
+#include <sanitizer/asan_interface.h>
+#endif
+#ifndef ASAN_POISON_MEMORY_REGION
+#define ASAN_POISON_MEMORY_REGION(addr, size) ((void)(addr), (void)(size))
+#define ASAN_UNPOISON_MEMORY_REGION(addr, size) ((void)(addr), (void)(size))
+#endif
 
 #include "Vel/Exception.h"
 #include "Vel/RangeException.h"
@@ -50,5 +59,28 @@ std::string rangeFailure(const Vel::String& text, const T& initial = T{}) {
   EXPECT_TRUE(value == initial) << "value changed on failure, text " << text;
   return message;
 }
+
+// A text whose bytes after its end are poisoned in sanitizer builds, so that a
+// reader that looks at or past the end stops the test with a report.
+class GuardedText {
+ public:
+  explicit GuardedText(std::string_view text) {
+    text_.reserve(text.size() + 32);  // keeps the bytes on the heap, never inline
+    text_.assign(text);
+    ASAN_POISON_MEMORY_REGION(guardBegin(), guardSize());
+  }
+  ~GuardedText() { ASAN_UNPOISON_MEMORY_REGION(guardBegin(), guardSize()); }
+  GuardedText(const GuardedText&) = delete;
+  GuardedText& operator=(const GuardedText&) = delete;
+
+  const Vel::String& text() const { return text_; }
+  // The first byte after the text, which no reader may touch.
+  const char* guardBegin() const { return text_.data() + text_.size(); }
+
+ private:
+  std::size_t guardSize() const { return text_.capacity() + 1 - text_.size(); }
+
+  Vel::String text_;
+};
 
 }  // namespace TextTestSupport
