@@ -53,18 +53,13 @@ std::optional<T> integerOfWord(std::string_view word) {
   const std::optional<unsigned long long> magnitude = magnitudeOf(word);
   if (!magnitude)
     return std::nullopt;
-  const auto max = static_cast<unsigned long long>(std::numeric_limits<T>::max());
-  if (!negative) {
-    if (*magnitude > max)
-      return std::nullopt;
-    return static_cast<T>(*magnitude);
-  }
-  if (*magnitude == 0)
-    return T{0};
-  if (*magnitude - 1 > max)
+  // The most negative value has a magnitude one above the largest value.
+  const unsigned long long limit =
+      static_cast<unsigned long long>(std::numeric_limits<T>::max()) + (negative ? 1 : 0);
+  if (*magnitude > limit)
     return std::nullopt;
-  // -(m - 1) - 1 stays inside T even for the most negative value.
-  return static_cast<T>(-static_cast<T>(*magnitude - 1) - 1);
+  // Conversion to T is modular, so 0 - m becomes -m.
+  return static_cast<T>(negative ? 0 - *magnitude : *magnitude);
 }
 
 template <class T>
@@ -209,9 +204,10 @@ Ptr<const PtrInterface> sequenceToObject(Iterator& pos, const Iterator& end,
     pos = wordStop;
     return nullptr;
   }
-  if (!textIsAt(pos, end, "Ref("))
+  constexpr std::string_view opening = "Ref(";
+  if (!textIsAt(pos, end, opening))
     throwExpected("a reference", pos, end);
-  Iterator p = pos + 4;
+  Iterator p = pos + static_cast<std::ptrdiff_t>(opening.size());
   String typeName;
   sequenceToValue(p, end, &typeName);
   needInReference(p, end, ", ");
