@@ -38,7 +38,7 @@ TEST(ValueToStrepTest, SignedIntegersAreDecimalWithMinus) {
   EXPECT_EQ(valueToStrep(std::numeric_limits<long long>::max()), "9223372036854775807");
 }
 
-TEST(ValueToStrepTest, BoolsArePythonStyle) {
+TEST(ValueToStrepTest, BoolsAreTrueAndFalse) {
   EXPECT_EQ(valueToStrep(true), "True");
   EXPECT_EQ(valueToStrep(false), "False");
 }
