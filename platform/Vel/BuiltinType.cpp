@@ -2,11 +2,9 @@
 
 #include <type_traits>
 
-#include "Vel/Format.h"
 #include "Vel/GenericArgs.h"
-#include "Vel/RangeException.h"
 #include "Vel/TypeNode.h"
-#include "Vel/ValueType.h"
+#include "Vel/ValueOperations.h"
 
 namespace Vel {
 
@@ -49,18 +47,16 @@ const BuiltinType<T>& BuiltinType<T>::instance() {
 template <class T>
 BuiltinType<T>::BuiltinType(const char* name)
     : TypeRecord(name, Kind::builtin, nullptr, {},
-                 {.value = &ValueType<T>::operation,
-                  .fromRawPtr = &ValueType<T>::fromRawPtr,
+                 {.value = &ValueOperations<T>::operation,
+                  .fromRawPtr = &ValueOperations<T>::fromRawPtr,
+                  .fromText = &ValueOperations<T>::fromText,
                   .fromArgs = &BuiltinType::fromArgs,
-                  .hash = &ValueType<T>::hash}) {}
+                  .toText = &ValueOperations<T>::toText,
+                  .hash = &ValueOperations<T>::hash}) {}
 
 // A builtin value is built from one argument of its own type.
 template <class T>
 GenericValue BuiltinType<T>::fromArgs(const TypeRecord& type, const GenericArgs& args) {
-  if (args.size() != 1) {
-    throwRangeException(format("Type '%s' takes 1 constructor argument, %zu given",
-                               type.name().c_str(), args.size()));
-  }
   return GenericValue(type, args.get<T>(0));
 }
 

@@ -2,14 +2,15 @@
 
 #include <algorithm>
 
+#include "Vel/EnumOperations.h"
 #include "Vel/Format.h"
 #include "Vel/GenericArgs.h"
 #include "Vel/GenericCall.h"
-#include "Vel/GenericIf.h"
 #include "Vel/GenericIterator.h"
 #include "Vel/GenericValue.h"
 #include "Vel/OperationNotSupportedException.h"
 #include "Vel/RangeException.h"
+#include "Vel/ReferenceOperations.h"
 #include "Vel/UnhashableTypeException.h"
 
 namespace Vel {
@@ -23,9 +24,33 @@ TypeRecord::TypeRecord(String name, Kind kind, const TypeRecord* base,
       kind_(kind),
       base_(base),
       attributes_(attributes),
-      operations_(operations) {
+      operations_(withKindDefaults(kind, operations)) {
   for (AttributeRecord& attribute : attributes_)
     attribute.owner_ = this;
+}
+
+// The framework serves references to objects and enumerations itself, wherever
+// a type's generated code names no operation of its own.
+TypeRecord::Operations TypeRecord::withKindDefaults(Kind kind, Operations operations) {
+  auto fill = [](auto& operation, auto standard) {
+    if (operation == nullptr)
+      operation = standard;
+  };
+  if (kind == Kind::entity || kind == Kind::object) {
+    fill(operations.value, &ReferenceOperations::operation);
+    fill(operations.fromRawPtr, &ReferenceOperations::fromRawPtr);
+    fill(operations.fromText, &ReferenceOperations::fromText);
+    fill(operations.toText, &ReferenceOperations::toText);
+    fill(operations.hash, &ReferenceOperations::hash);
+  } else if (kind == Kind::enumeration) {
+    fill(operations.value, &EnumOperations::operation);
+    fill(operations.fromRawPtr, &EnumOperations::fromRawPtr);
+    fill(operations.fromText, &EnumOperations::fromText);
+    fill(operations.fromArgs, &EnumOperations::fromArgs);
+    fill(operations.toText, &EnumOperations::toText);
+    fill(operations.hash, &EnumOperations::hash);
+  }
+  return operations;
 }
 
 const AttributeRecord* TypeRecord::attribute(std::string_view name) const noexcept {
@@ -70,21 +95,7 @@ GenericReply TypeRecord::attributeOperation(GenericCall& call) const {
 }
 
 GenericReply TypeRecord::valueOperation(GenericCall& call) const {
-  if (operations_.value != nullptr)
-    return operations_.value(call);
-  return isObjectType() ? referenceOperation(call) : GenericReply::notOwned;
-}
-
-// A reference to an object is default when null and equal to a reference to the
-// same object.
-GenericReply TypeRecord::referenceOperation(GenericCall& call) {
-  switch (call.op()) {
-    case GenericIf::opIsDefault:
-      return call.answerBool(call.self().isNull());
-    case GenericIf::opEqual:
-      return call.answerBool(call.self().object() == call.args()[0].object());
-  }
-  return GenericReply::notSupported;
+  return operations_.value != nullptr ? operations_.value(call) : GenericReply::notOwned;
 }
 
 Ptr<GenericIterator> TypeRecord::iterator(const GenericValue& self,
@@ -146,16 +157,20 @@ void TypeRecord::notSupported(const String& operation) const {
       format("Operation %s is not supported on type '%s'", operation.c_str(), name_.c_str()));
 }
 
-// A value type is built from exactly its constructor-argument attributes.
+// A value type is built from exactly its constructor-argument attributes, a
+// builtin value or an enumeration from the one value.
 void TypeRecord::checkArgCount(const GenericArgs& args) const {
-  if (kind_ != Kind::value)
+  if (isObjectType())
     return;
-  const std::vector<const AttributeRecord*> all = allAttributes();
-  const auto expected = static_cast<std::size_t>(std::count_if(
-      all.begin(), all.end(), [](const AttributeRecord* a) { return a->isConstructorArg(); }));
+  std::size_t expected = 1;
+  if (kind_ == Kind::value) {
+    const std::vector<const AttributeRecord*> all = allAttributes();
+    expected = static_cast<std::size_t>(std::count_if(
+        all.begin(), all.end(), [](const AttributeRecord* a) { return a->isConstructorArg(); }));
+  }
   if (args.size() != expected) {
-    throwRangeException(format("Type '%s' takes %zu constructor arguments, %zu given",
-                               name_.c_str(), expected, args.size()));
+    throwRangeException(format("Type '%s' takes %zu constructor argument%s, %zu given",
+                               name_.c_str(), expected, expected == 1 ? "" : "s", args.size()));
   }
 }
 

@@ -29,6 +29,8 @@ class TypeRecord {
 
   // The reflective functions of a type, as its generated code supplies them;
   // null where the type does not offer the operation. List them in this order.
+  // Records of object types and of enumerations get the framework's own
+  // operations (see ReferenceOperations, EnumOperations) wherever they name none.
   struct Operations {
     // Serves the type's own attributes; replies notOwned for an attribute number
     // that the type does not own, so that the base type is asked.
@@ -119,7 +121,7 @@ class TypeRecord {
   [[noreturn]] void notSupported(const String& operation) const;
 
  private:
-  static GenericReply referenceOperation(GenericCall& call);
+  static Operations withKindDefaults(Kind kind, Operations operations);
   void checkArgCount(const GenericArgs& args) const;
 
   String name_;
