@@ -362,12 +362,8 @@ TEST_F(GenericIfTest, ValueIsCopiedFromARawPointer) {
 }
 
 TEST_F(GenericIfTest, OperationsThatATypeDoesNotOfferAreNotSupported) {
-  EXPECT_EQ(notSupportedMessage([] { GenericIf::valueFromText("Library::Shelf", "x"); }),
-            "Operation fromText is not supported on type 'Library::Shelf'");
   EXPECT_EQ(notSupportedMessage([] { GenericIf::valueFromArgs("Library::Shelf", {}); }),
             "Operation fromArgs is not supported on type 'Library::Shelf'");
-  EXPECT_EQ(notSupportedMessage([] { GenericIf::valueFromRawPtr("Library::Shelf", nullptr); }),
-            "Operation fromRawPtr is not supported on type 'Library::Shelf'");
   EXPECT_EQ(notSupportedMessage([&] { shelfIf_.notifieeIs(nullptr); }),
             "Operation notifiee is not supported on type 'Library::Shelf'");
   EXPECT_EQ(notSupportedMessage([&] { shelfIf_.iterator("label"); }),
@@ -375,6 +371,16 @@ TEST_F(GenericIfTest, OperationsThatATypeDoesNotOfferAreNotSupported) {
   EXPECT_EQ(notSupportedMessage([&] { shelfIf_.iteratorAtKey("label", u32(1)); }),
             "Operation iteratorAtKey is not supported on attribute 'label' of type "
             "'Library::Shelf'");
+  const Vel::TypeRecord bare("Library::Bare", Vel::TypeRecord::Kind::value);
+  EXPECT_EQ(notSupportedMessage([&] { bare.valueFromText("x"); }),
+            "Operation fromText is not supported on type 'Library::Bare'");
+  EXPECT_EQ(notSupportedMessage([&] { bare.valueFromRawPtr(nullptr); }),
+            "Operation fromRawPtr is not supported on type 'Library::Bare'");
+  EXPECT_EQ(notSupportedMessage([&] { GenericIf(GenericValue(bare, 1)).text(); }),
+            "Operation toText is not supported on type 'Library::Bare'");
+  EXPECT_EQ(
+      messageOf<Vel::UnhashableTypeException>([&] { GenericIf(GenericValue(bare, 1)).hash(); }),
+      "Unhashable type: 'Library::Bare'");
 }
 
 TEST_F(GenericIfTest, UnknownTypeNameIsARangeException) {

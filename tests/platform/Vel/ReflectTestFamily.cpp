@@ -7,8 +7,10 @@
 #include "Vel/GenericCall.h"
 #include "Vel/GenericIf.h"
 #include "Vel/GenericKeyIterator.h"
+#include "Vel/TextParse.h"
 #include "Vel/TypeNode.h"
-#include "Vel/ValueType.h"
+#include "Vel/ValueOperations.h"
+#include "Vel/ValueToStrep.h"
 
 namespace Library {
 
@@ -17,8 +19,18 @@ using Vel::GenericIf;
 using Vel::TypeRecord;
 
 Vel::String valueToStrep(const Position& position) {
-  return Vel::format("Value('Library::Position', ** {'row': %u, 'front': %s})", position.row,
-                     position.front ? "True" : "False");
+  return Vel::format("Value('Library::Position', ** {'row': %s, 'front': %s})",
+                     Vel::valueToStrep(position.row).c_str(),
+                     Vel::valueToStrep(position.front).c_str());
+}
+
+Position::Position(Vel::String::IteratorConst& pos, const Vel::String::IteratorConst& end) {
+  Vel::needString(pos, end, "Value('Library::Position', ** {");
+  Vel::needString(pos, end, "'row': ");
+  Vel::deserializeAttr(pos, end, "row", &row);
+  Vel::needString(pos, end, ", 'front': ");
+  Vel::deserializeAttr(pos, end, "front", &front);
+  Vel::needString(pos, end, "})");
 }
 
 Vel::Ptr<Book> Shelf::book(std::uint32_t id) const {
@@ -221,7 +233,7 @@ Vel::Ptr<Vel::GenericIterator> shelfIteratorAtKey(const Vel::GenericValue& self,
 
 }  // namespace
 
-const TypeRecord finishType("Library::Finish", TypeRecord::Kind::enumeration);
+const Vel::EnumType<unsigned int> finishType("Library::Finish", {{"matte", 0}, {"glossy", 1}});
 
 const TypeRecord positionType("Library::Position", TypeRecord::Kind::value, nullptr,
                               {
@@ -231,10 +243,11 @@ const TypeRecord positionType("Library::Position", TypeRecord::Kind::value, null
                                    AttributeRecord::readWrite | AttributeRecord::constructorArg},
                               },
                               {.attribute = &positionAttribute,
-                               .value = &Vel::ValueType<Position>::operation,
-                               .fromRawPtr = &Vel::ValueType<Position>::fromRawPtr,
+                               .value = &Vel::ValueOperations<Position>::operation,
+                               .fromRawPtr = &Vel::ValueOperations<Position>::fromRawPtr,
+                               .fromText = &Vel::ValueOperations<Position>::fromText,
                                .fromArgs = &positionFromArgs,
-                               .toText = &Vel::ValueType<Position>::toText,
+                               .toText = &Vel::ValueOperations<Position>::toText,
                                .hash = &TypeRecord::unhashable});
 
 const TypeRecord lampType("Library::Lamp", TypeRecord::Kind::object, nullptr,

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <unordered_map>
 
+#include "Vel/EnumType.h"
 #include "Vel/Ptr.h"
 #include "Vel/PtrInterface.h"
 #include "Vel/String.h"
@@ -20,9 +21,14 @@ namespace Library {
 enum class Finish : unsigned int { matte = 0, glossy = 1 };
 
 struct Position {
+  Position() = default;
+  Position(std::uint32_t r, bool f) : row(r), front(f) {}
+  // Reads the text form at pos and advances past it.
+  Position(Vel::String::IteratorConst& pos, const Vel::String::IteratorConst& end);
+  bool operator==(const Position&) const = default;
+
   std::uint32_t row = 0;
   bool front = false;
-  bool operator==(const Position&) const = default;
 };
 Vel::String valueToStrep(const Position& position);
 
@@ -88,7 +94,7 @@ class Shelf : public Vel::PtrInterface {
   BookMap books_;
 };
 
-extern const Vel::TypeRecord finishType;
+extern const Vel::EnumType<unsigned int> finishType;
 extern const Vel::TypeRecord positionType;
 extern const Vel::TypeRecord lampType;
 extern const Vel::TypeRecord deskLampType;

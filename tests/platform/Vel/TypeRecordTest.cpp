@@ -8,7 +8,9 @@
 #include "ReflectTestFamily.h"
 #include "ReflectTestHelpers.h"
 #include "Vel/BuiltinType.h"
+#include "Vel/EnumOperations.h"
 #include "Vel/NameInUseException.h"
+#include "Vel/ReferenceOperations.h"
 #include "Vel/TypeNode.h"
 
 namespace {
@@ -92,6 +94,25 @@ TEST(TypeRecordTest, AllAttributesListTheBasesFirstAndRelistedOnesInTheirPlace) 
   EXPECT_EQ(&all[1]->owner(), &extra);
   EXPECT_EQ(namesOf(Library::shelfType.allAttributes()),
             (std::vector<std::string>{"label", "serial", "book", "lamp", "position"}));
+}
+
+TEST(TypeRecordTest, ObjectAndEnumerationRecordsGetTheFrameworksOperationsWhereTheyNameNone) {
+  const TypeRecord::Operations& lamp = Library::lampType.operations();
+  EXPECT_EQ(lamp.value, &Vel::ReferenceOperations::operation);
+  EXPECT_EQ(lamp.fromText, &Vel::ReferenceOperations::fromText);
+  EXPECT_EQ(lamp.toText, &Vel::ReferenceOperations::toText);
+  EXPECT_EQ(lamp.hash, &Vel::ReferenceOperations::hash);
+  EXPECT_EQ(lamp.fromArgs, nullptr);
+  const TypeRecord::Operations& finish = Library::finishType.operations();
+  EXPECT_EQ(finish.toText, &Vel::EnumOperations::toText);
+  EXPECT_EQ(finish.fromArgs, &Vel::EnumOperations::fromArgs);
+}
+
+TEST(TypeRecordTest, OperationNamedByTheRecordWinsOverTheFrameworks) {
+  const TypeRecord own("Library::Own", TypeRecord::Kind::object, nullptr, {},
+                       {.hash = &TypeRecord::unhashable});
+  EXPECT_EQ(own.operations().hash, &TypeRecord::unhashable);
+  EXPECT_EQ(own.operations().toText, &Vel::ReferenceOperations::toText);
 }
 
 // ---- Registration by name
