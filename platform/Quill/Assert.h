@@ -15,8 +15,8 @@ namespace Quill {
 }  // namespace Quill
 
 // Asserts an expression; the report shows the expression as written.
-#define QUILL_ASSERT(expr)                                                         \
-  ((expr) ? static_cast<void>(0)                                                   \
+#define QUILL_ASSERT(expr)       \
+  ((expr) ? static_cast<void>(0) \
           : ::Quill::assertionFailed(#expr, __FILE__, __LINE__, __PRETTY_FUNCTION__))
 
 // Asserts a condition but reports a text, a source path and a line given by the

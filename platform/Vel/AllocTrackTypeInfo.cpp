@@ -48,13 +48,16 @@ void AllocTrackTypeInfo::allocated() noexcept {
   total_.fetch_add(1, std::memory_order_relaxed);
 }
 
-void AllocTrackTypeInfo::released() noexcept { live_.fetch_sub(1, std::memory_order_relaxed); }
+void AllocTrackTypeInfo::released() noexcept {
+  live_.fetch_sub(1, std::memory_order_relaxed);
+}
 
 const AllocTrackTypeInfo* AllocTrackTypeInfo::find(const std::string& typeName) {
   Registry& r = registry();
   std::lock_guard<std::mutex> lock(r.mutex);
   for (const AllocTrackTypeInfo* record : r.records) {
-    if (record->typeName() == typeName) return record;
+    if (record->typeName() == typeName)
+      return record;
   }
   return nullptr;
 }
@@ -67,7 +70,8 @@ std::vector<const AllocTrackTypeInfo*> AllocTrackTypeInfo::all() {
 
 std::size_t AllocTrackTypeInfo::liveObjectsOfAllTypes() {
   std::size_t live = 0;
-  for (const AllocTrackTypeInfo* record : all()) live += record->liveObjects();
+  for (const AllocTrackTypeInfo* record : all())
+    live += record->liveObjects();
   return live;
 }
 

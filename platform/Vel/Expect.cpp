@@ -39,11 +39,14 @@ bool Expect::isExpected(unsigned exceptionId) noexcept {
 ExceptionIdSet Expect::expected() noexcept {
   ExceptionIdSet set = 0;
   for (unsigned id = 0; id <= maxId; ++id) {
-    if (openScopes.count[id] > 0) set |= ExceptionIdSet{1} << id;
+    if (openScopes.count[id] > 0)
+      set |= ExceptionIdSet{1} << id;
   }
   return set;
 }
 
-unsigned Expect::depth() noexcept { return openScopes.depth; }
+unsigned Expect::depth() noexcept {
+  return openScopes.depth;
+}
 
 }  // namespace Vel

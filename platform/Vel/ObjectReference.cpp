@@ -22,7 +22,8 @@ Table& table() {
 }  // namespace
 
 std::uint64_t ObjectReference::idOf(const PtrInterface* object) {
-  if (object == nullptr) return 0;
+  if (object == nullptr)
+    return 0;
   Table& t = table();
   std::lock_guard<std::mutex> lock(t.mutex);
   auto [it, inserted] = t.idByObject.try_emplace(object, t.lastId + 1);
@@ -38,7 +39,8 @@ Ptr<const PtrInterface> ObjectReference::resolve(std::uint64_t id) {
   Table& t = table();
   std::lock_guard<std::mutex> lock(t.mutex);
   auto it = t.objectById.find(id);
-  if (it == t.objectById.end() || it->second->references() == 0) return nullptr;
+  if (it == t.objectById.end() || it->second->references() == 0)
+    return nullptr;
   return Ptr<const PtrInterface>(it->second);
 }
 
@@ -46,7 +48,8 @@ void ObjectReference::forget(const PtrInterface* object) noexcept {
   Table& t = table();
   std::lock_guard<std::mutex> lock(t.mutex);
   auto it = t.idByObject.find(object);
-  if (it == t.idByObject.end()) return;
+  if (it == t.idByObject.end())
+    return;
   t.objectById.erase(it->second);
   t.idByObject.erase(it);
 }

@@ -54,10 +54,12 @@ class Ptr {
 
  private:
   void acquire() const noexcept {
-    if (object_ != nullptr) object_->newRef();
+    if (object_ != nullptr)
+      object_->newRef();
   }
   void releaseRef() noexcept {
-    if (T* object = std::exchange(object_, nullptr)) object->deleteRef();
+    if (T* object = std::exchange(object_, nullptr))
+      object->deleteRef();
   }
 
   T* object_ = nullptr;

@@ -2,6 +2,8 @@
 
 namespace Vel {
 
-void throwRangeException(const String& message) { throw RangeException(message); }
+void throwRangeException(const String& message) {
+  throw RangeException(message);
+}
 
 }  // namespace Vel
