@@ -23,6 +23,28 @@ class GenericValue;
 // attribute table and its reflective operations. Records are constant data,
 // defined once per type and registered by name when their library loads (see
 // typeNodeIs); GenericIf reaches every operation through them.
+//
+// A type's record is written like this (attribute numbers as the type has them):
+//
+//   GenericReply shelfAttribute(GenericCall& call) {
+//     Shelf& shelf = call.object<Shelf>();
+//     switch (call.attributeNumber()) {
+//       case 258:  // label
+//         switch (call.op()) {
+//           case GenericIf::opRead: return call.answer(shelf.label());
+//           case GenericIf::opWrite: shelf.labelIs(call.arg<String>(0)); return call.done();
+//         }
+//         return call.notSupported();
+//     }
+//     return call.notOwned();
+//   }
+//
+//   const TypeRecord shelfType(
+//       "Library::Shelf", TypeRecord::Kind::entity, &entityType(),
+//       {{"label", BuiltinType<String>::instance(), 258, AttributeRecord::readWrite}},
+//       {.attribute = &shelfAttribute});
+//
+// and registered with typeNodeIs(shelfType) when the library loads.
 class TypeRecord {
  public:
   enum class Kind { entity, object, value, enumeration, builtin };

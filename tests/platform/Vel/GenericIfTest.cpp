@@ -398,6 +398,13 @@ TEST_F(GenericIfTest, AccessToNothingIsARangeException) {
             "Reflective access to an object without a type record");
 }
 
+TEST_F(GenericIfTest, AttributeOfANullReferenceIsARangeException) {
+  GenericIf nullIf(GenericValue(Library::lampType, nullptr));
+  EXPECT_EQ(&nullIf.type(), &Library::lampType);
+  EXPECT_EQ(rangeMessage([&] { nullIf.attribute("watts", GenericIf::opRead); }),
+            "Reflective call on a null reference of type 'Library::Lamp'");
+}
+
 TEST_F(GenericIfTest, AccessHoldsTheObjectAlive) {
   {
     GenericIf bookIf(Vel::allocate<Book>(1, "Odes"));
