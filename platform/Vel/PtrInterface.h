@@ -20,6 +20,9 @@ bool threadSafePtr() noexcept;
 // the object has been given a reference id in text (see ObjectReference).
 class PtrInterface {
  public:
+  // Base of the observers of a PtrInterface (PtrInterfaceNotifieeConst.h).
+  class NotifieeConst;
+
   static constexpr std::uint32_t refCountMask = 0x5fffffffu;
   static constexpr std::uint32_t markedForDeletionBit = 0x80000000u;
   static constexpr std::uint32_t referencedInTextBit = 0x20000000u;
