@@ -63,12 +63,11 @@ class PtrInterface {
   AllocTrackTypeInfo* velAllocTrack() const noexcept { return allocTrack_; }
   void flagIs(std::uint32_t bit, bool on) const noexcept;
 
- protected:
-  // Runs when the count reaches zero: announces it through zeroReferencesIs and
-  // destroys the object unless a new reference was taken meanwhile.
-  virtual void handleZeroRef() const;
-
  private:
+  // Runs when the count reaches zero: announces it through zeroReferencesIs and
+  // destroys the object unless a new reference was taken meanwhile. Types change
+  // what happens at zero through zeroReferencesIs, not here.
+  void handleZeroRef() const;
   // Drops one reference without acting on zero; returns the count left.
   std::uint32_t dropReference() const noexcept;
   void destroy() const noexcept;
