@@ -20,6 +20,9 @@ bool threadSafePtr() noexcept;
 // the object has been given a reference id in text (see ObjectReference).
 class PtrInterface {
  public:
+  // Base of the observers of a PtrInterface (PtrInterfaceNotifieeConst.h).
+  class NotifieeConst;
+
   static constexpr std::uint32_t refCountMask = 0x5fffffffu;
   static constexpr std::uint32_t markedForDeletionBit = 0x80000000u;
   static constexpr std::uint32_t referencedInTextBit = 0x20000000u;
@@ -60,12 +63,11 @@ class PtrInterface {
   AllocTrackTypeInfo* velAllocTrack() const noexcept { return allocTrack_; }
   void flagIs(std::uint32_t bit, bool on) const noexcept;
 
- protected:
-  // Runs when the count reaches zero: announces it through zeroReferencesIs and
-  // destroys the object unless a new reference was taken meanwhile.
-  virtual void handleZeroRef() const;
-
  private:
+  // Runs when the count reaches zero: announces it through zeroReferencesIs and
+  // destroys the object unless a new reference was taken meanwhile. Types change
+  // what happens at zero through zeroReferencesIs, not here.
+  void handleZeroRef() const;
   // Drops one reference without acting on zero; returns the count left.
   std::uint32_t dropReference() const noexcept;
   void destroy() const noexcept;

@@ -1,0 +1,202 @@
+#include "Cli.h"
+
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+
+#include "chipsim/chipsim.h"
+
+namespace {
+
+constexpr const char* kHelp =
+    R"(Usage: chipsim --chip NAME COMMAND [ARGUMENTS]
+       chipsim --help
+
+Looks at and drives the software switch chip kept in the shared-memory segment
+NAME ("/x" or "x"), as the agent that uses it runs.
+
+Commands:
+  dump                           print the chip's tables: entries, the default
+                                 entry, members, groups with their members'
+                                 states, and the entry scope
+  log                            print the chip's call log, oldest line first
+  fault FUNCTION STATUS [COUNT]  make the next COUNT (default 1) calls of the PD
+                                 function FUNCTION change nothing and return
+                                 STATUS; COUNT 0 cancels
+  forward SESSION HASH [PIPE]    forward a packet of mirror session SESSION with
+                                 the hash HASH, coming in on pipe PIPE (default:
+                                 the first pipe with an entry for it), and print
+                                 the LAG member selector it gets, or "miss"
+  reset                          empty the chip
+
+Options:
+  --chip NAME                    the chip to work on; it must exist
+  -h, --help                     print this help and exit
+
+Exit status: 0 done, 1 failed, 2 bad command line.
+)";
+
+}  // namespace
+
+Cli::Cli(std::vector<std::string> arguments) : arguments_(std::move(arguments)) {}
+
+int Cli::usageError(const std::string& message) const {
+  std::cerr << "chipsim: " << message << " (see chipsim --help)\n";
+  return kUsage;
+}
+
+int Cli::failure(const std::string& message) const {
+  std::cerr << "chipsim: " << message << "\n";
+  return kFailed;
+}
+
+std::optional<uint64_t> Cli::number(const std::string& what, const std::string& text,
+                                    uint64_t max) const {
+  bool hex = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+  const char* first = text.data() + (hex ? 2 : 0);
+  const char* last = text.data() + text.size();
+  uint64_t value = 0;
+  auto [end, error] = std::from_chars(first, last, value, hex ? 16 : 10);
+  if (text.empty() || error != std::errc() || end != last || value > max) {
+    usageError("bad " + what + " '" + text + "'");
+    return std::nullopt;
+  }
+  return value;
+}
+
+int Cli::run() {
+  std::vector<std::string> operands;
+  for (std::size_t i = 0; i < arguments_.size(); ++i) {
+    const std::string& argument = arguments_[i];
+    if (argument == "-h" || argument == "--help") {
+      std::cout << kHelp;
+      return 0;
+    }
+    if (argument == "--chip") {
+      if (++i == arguments_.size()) {
+        return usageError("--chip needs a NAME");
+      }
+      chip_ = arguments_[i];
+    } else if (argument.rfind("--chip=", 0) == 0) {
+      chip_ = argument.substr(7);
+    } else if (argument.size() > 1 && argument[0] == '-' && operands.empty()) {
+      return usageError("unknown option '" + argument + "'");
+    } else {
+      operands.push_back(argument);
+    }
+  }
+  if (operands.empty()) {
+    return usageError("no command");
+  }
+  if (chip_.empty()) {
+    return usageError("no chip: give --chip NAME");
+  }
+  std::string command = operands.front();
+  operands.erase(operands.begin());
+  return dispatch(command, operands);
+}
+
+int Cli::dispatch(const std::string& command, const std::vector<std::string>& operands) {
+  bool known = command == "dump" || command == "log" || command == "reset" || command == "fault" ||
+               command == "forward";
+  if (!known) {
+    return usageError("unknown command '" + command + "'");
+  }
+  bool plain = command == "dump" || command == "log" || command == "reset";
+  if (plain && !operands.empty()) {
+    return usageError(command + " takes no arguments");
+  }
+  if (int error = chipsim_attach_existing(chip_.c_str())) {
+    return failure("cannot attach to chip '" + chip_ + "': " + std::strerror(error));
+  }
+  if (command == "dump") {
+    return dump();
+  }
+  if (command == "log") {
+    return log();
+  }
+  if (command == "reset") {
+    return reset();
+  }
+  return command == "fault" ? fault(operands) : forward(operands);
+}
+
+int Cli::dump() {
+  if (int error = chipsim_dump(stdout)) {
+    return failure(std::string("cannot dump the chip: ") + std::strerror(error));
+  }
+  return 0;
+}
+
+int Cli::log() {
+  uint32_t count = chipsim_log_count();
+  for (uint32_t i = 0; i < count; ++i) {
+    if (const char* line = chipsim_log_line(i)) {
+      std::cout << line << "\n";
+    }
+  }
+  return 0;
+}
+
+int Cli::reset() {
+  if (int error = chipsim_reset()) {
+    return failure(std::string("cannot reset the chip: ") + std::strerror(error));
+  }
+  return 0;
+}
+
+int Cli::fault(const std::vector<std::string>& operands) {
+  if (operands.size() < 2 || operands.size() > 3) {
+    return usageError("fault needs FUNCTION STATUS [COUNT]");
+  }
+  std::optional<uint64_t> status = number("status", operands[1], INT32_MAX);
+  std::optional<uint64_t> count =
+      operands.size() == 3 ? number("count", operands[2], UINT32_MAX) : 1;
+  if (!status || !count) {
+    return kUsage;
+  }
+  if (chipsim_calls(operands[0].c_str()) < 0) {
+    return usageError("unknown PD function '" + operands[0] + "'");
+  }
+  if (int error = chipsim_fail_next(operands[0].c_str(), static_cast<int>(*status),
+                                    static_cast<unsigned>(*count))) {
+    return failure(std::string("cannot inject the fault: ") + std::strerror(error));
+  }
+  return 0;
+}
+
+int Cli::forward(const std::vector<std::string>& operands) {
+  if (operands.size() < 2 || operands.size() > 3) {
+    return usageError("forward needs SESSION HASH [PIPE]");
+  }
+  std::optional<uint64_t> session = number("session", operands[0], UINT16_MAX);
+  std::optional<uint64_t> hash = number("hash", operands[1], UINT32_MAX);
+  std::optional<uint64_t> pipe =
+      operands.size() == 3 ? number("pipe", operands[2], UINT32_MAX) : std::nullopt;
+  if (!session || !hash || (operands.size() == 3 && !pipe)) {
+    return kUsage;
+  }
+  uint16_t selector = 0;
+  int result =
+      pipe ? chipsim_lookup_on_pipe(static_cast<uint32_t>(*pipe), static_cast<uint16_t>(*session),
+                                    static_cast<uint32_t>(*hash), &selector)
+           : chipsim_lookup(static_cast<uint16_t>(*session), static_cast<uint32_t>(*hash),
+                            &selector);
+  switch (result) {
+    case 0:
+      std::cout << "selector " << selector << "\n";
+      return 0;
+    case CHIPSIM_DEFAULT_HIT:
+      std::cout << "selector " << selector << " (default entry)\n";
+      return 0;
+    case CHIPSIM_MISS:
+      std::cout << "miss\n";
+      return 0;
+    case EINVAL:
+      return usageError("no pipe " + operands[2] + " on this chip");
+    default:
+      return failure(std::string("cannot forward: ") + std::strerror(result));
+  }
+}

@@ -1,0 +1,86 @@
+#include "Attachment.h"
+
+#include "SegmentLayout.h"
+
+namespace chipsim {
+
+Attachment& Attachment::instance() {
+  static Attachment attachment;
+  return attachment;
+}
+
+Attachment::Attachment() {
+  chipsim_config_default(&config_);
+}
+
+int Attachment::configure(const chipsim_config& config) {
+  if (!SegmentLayout::of(config)) {
+    return EINVAL;
+  }
+  std::unique_lock<std::shared_mutex> guard(mutex_);
+  config_ = config;
+  return 0;
+}
+
+void Attachment::adopt(std::unique_ptr<Segment> segment) {
+  chip_.reset();
+  segment_ = std::move(segment);
+  chip_ = std::make_unique<Chip>(segment_->base());
+}
+
+int Attachment::ensureChip() {
+  {
+    std::shared_lock<std::shared_mutex> guard(mutex_);
+    if (chip_) {
+      return 0;
+    }
+  }
+  std::unique_lock<std::shared_mutex> guard(mutex_);
+  if (chip_) {
+    return 0;
+  }
+  std::unique_ptr<Segment> segment;
+  if (int error = Segment::makePrivate(config_, segment)) {
+    return error;
+  }
+  adopt(std::move(segment));
+  return 0;
+}
+
+int Attachment::attach(const char* name, bool create) {
+  std::unique_lock<std::shared_mutex> guard(mutex_);
+  std::unique_ptr<Segment> segment;
+  int error = name == nullptr ? Segment::makePrivate(config_, segment)
+                              : Segment::open(name, create, config_, segment);
+  if (error == 0) {
+    adopt(std::move(segment));
+  }
+  return error;
+}
+
+int Attachment::reset() {
+  std::unique_lock<std::shared_mutex> guard(mutex_);
+  if (!segment_ || segment_->isPrivate()) {
+    std::unique_ptr<Segment> segment;
+    if (int error = Segment::makePrivate(config_, segment)) {
+      return error;
+    }
+    adopt(std::move(segment));
+    return 0;
+  }
+  ChipLock lock(*chip_);
+  if (lock.error() == 0) {
+    chip_->clear();
+  }
+  return lock.error();
+}
+
+std::string Attachment::name() {
+  if (ensureChip() != 0) {
+    return "(none)";
+  }
+  std::shared_lock<std::shared_mutex> guard(mutex_);
+  return segment_->name();
+}
+
+}  // namespace chipsim

@@ -1,0 +1,138 @@
+#include "Segment.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstring>
+#include <optional>
+
+#include "Chip.h"
+#include "ChipHeader.h"
+#include "SegmentLayout.h"
+
+namespace chipsim {
+
+namespace {
+
+// The POSIX name of a segment: "/" and one path component.
+std::optional<std::string> segmentName(const char* name) {
+  if (name == nullptr) {
+    return std::nullopt;
+  }
+  std::string full = name[0] == '/' ? name : std::string("/") + name;
+  if (full.size() < 2 || full.size() > NAME_MAX || full.find('/', 1) != std::string::npos) {
+    return std::nullopt;
+  }
+  return full;
+}
+
+std::byte* mapShared(int fd, uint64_t size) noexcept {
+  void* base = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+  return base == MAP_FAILED ? nullptr : static_cast<std::byte*>(base);
+}
+
+// Holds an open segment's file, and the file lock under which chips are made
+// and checked, so that two processes never make one chip at once, and one
+// that dies while it makes a chip leaves it to the next.
+class LockedFile {
+ public:
+  explicit LockedFile(int fd) noexcept : fd_(fd) {
+    while (flock(fd_, LOCK_EX) != 0 && errno == EINTR) {
+    }
+  }
+  // Unlocks by hand: the chip's mapping keeps the file open after close().
+  ~LockedFile() {
+    flock(fd_, LOCK_UN);
+    close(fd_);
+  }
+  LockedFile(const LockedFile&) = delete;
+  LockedFile& operator=(const LockedFile&) = delete;
+  int fd() const noexcept { return fd_; }
+
+ private:
+  int fd_;
+};
+
+// A mapped chip whose magic is written: made and never to be made again.
+bool published(const std::byte* base) noexcept {
+  return reinterpret_cast<const ChipHeader*>(base)->magic != 0;
+}
+
+}  // namespace
+
+Segment::Segment(std::byte* base, uint64_t size, std::string name, bool isPrivate) noexcept
+    : base_(base), size_(size), name_(std::move(name)), private_(isPrivate) {}
+
+Segment::~Segment() {
+  munmap(base_, size_);
+}
+
+int Segment::makePrivate(const chipsim_config& config, std::unique_ptr<Segment>& segment) {
+  std::optional<SegmentLayout> layout = SegmentLayout::of(config);
+  if (!layout) {
+    return EINVAL;
+  }
+  void* base =
+      mmap(nullptr, layout->size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (base == MAP_FAILED) {
+    return errno;
+  }
+  Chip::format(static_cast<std::byte*>(base), config);
+  segment.reset(new Segment(static_cast<std::byte*>(base), layout->size, "(private)", true));
+  return 0;
+}
+
+int Segment::open(const char* name, bool create, const chipsim_config& config,
+                  std::unique_ptr<Segment>& segment) {
+  std::optional<std::string> full = segmentName(name);
+  std::optional<SegmentLayout> layout = SegmentLayout::of(config);
+  if (!full || !layout) {
+    return EINVAL;
+  }
+  int fd = shm_open(full->c_str(), O_RDWR | (create ? O_CREAT : 0), 0600);
+  if (fd < 0) {
+    return errno;
+  }
+  LockedFile file(fd);
+  struct stat status;
+  if (fstat(fd, &status) != 0) {
+    return errno;
+  }
+  uint64_t size = static_cast<uint64_t>(status.st_size);
+  std::byte* base = size >= sizeof(ChipHeader) ? mapShared(fd, size) : nullptr;
+  if (base == nullptr || !published(base)) {
+    if (base != nullptr) {
+      munmap(base, size);
+    }
+    if (!create) {
+      return ENOENT;
+    }
+    size = layout->size;
+    if (fchmod(fd, 0600) != 0 || ftruncate(fd, static_cast<off_t>(size)) != 0 ||
+        (base = mapShared(fd, size)) == nullptr) {
+      return errno;
+    }
+    Chip::format(base, config);
+  }
+  if (!Chip::isChip(base, size)) {
+    munmap(base, size);
+    return EINVAL;
+  }
+  segment.reset(new Segment(base, size, *full, false));
+  return 0;
+}
+
+int Segment::unlink(const char* name) {
+  std::optional<std::string> full = segmentName(name);
+  if (!full) {
+    return EINVAL;
+  }
+  return shm_unlink(full->c_str()) == 0 ? 0 : errno;
+}
+
+}  // namespace chipsim

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "chipsim/chipsim.h"
+
+namespace chipsim {
+
+// The memory a chip lives in: a private mapping, or a named POSIX
+// shared-memory segment (mode 0600) that other processes map too.
+class Segment {
+ public:
+  ~Segment();
+  Segment(const Segment&) = delete;
+  Segment& operator=(const Segment&) = delete;
+
+  // A new private chip of `config`. 0 or an errno value.
+  static int makePrivate(const chipsim_config& config, std::unique_ptr<Segment>& segment);
+
+  // The chip in the segment `name`. A segment that does not exist, or whose
+  // maker died before the chip was made, gets a new chip of `config` when
+  // `create` is set, and is ENOENT otherwise. EINVAL for a bad name or a
+  // segment that holds something else.
+  static int open(const char* name, bool create, const chipsim_config& config,
+                  std::unique_ptr<Segment>& segment);
+
+  static int unlink(const char* name);
+
+  std::byte* base() const noexcept { return base_; }
+  bool isPrivate() const noexcept { return private_; }
+  // "/name", or "(private)".
+  const std::string& name() const noexcept { return name_; }
+
+ private:
+  Segment(std::byte* base, uint64_t size, std::string name, bool isPrivate) noexcept;
+
+  std::byte* base_;
+  uint64_t size_;
+  std::string name_;
+  bool private_;
+};
+
+}  // namespace chipsim

@@ -1,0 +1,75 @@
+#include "ChipTest.h"
+
+namespace chipsim_test {
+
+chipsim_config ChipTest::smallConfig() {
+  return {.device_id = 0,
+          .pipes = 4,
+          .entries = 4,
+          .members = 4,
+          .groups = 2,
+          .max_group_size = 3,
+          .log_lines = 64};
+}
+
+void ChipTest::SetUp() {
+  chipsim_config config = smallConfig();
+  ASSERT_EQ(pd.configure(&config), 0);
+  ASSERT_EQ(pd.attach(nullptr), 0);
+}
+
+void ChipTest::TearDown() {
+  EXPECT_EQ(fault(), "");
+}
+
+std::string ChipTest::fault() {
+  const char* found = chipsim().check();
+  return found ? found : "";
+}
+
+uint32_t ChipTest::addMember(uint16_t selector) {
+  ActionSpec spec{selector};
+  uint32_t handle = 0;
+  EXPECT_EQ(pd.addMember(1, kAllPipes, &spec, &handle), 0);
+  return handle;
+}
+
+uint32_t ChipTest::createGroup(uint32_t size) {
+  uint32_t handle = 0;
+  EXPECT_EQ(pd.createGroup(1, kAllPipes, size, &handle), 0);
+  return handle;
+}
+
+uint32_t ChipTest::addEntry(uint16_t key, uint32_t member, uint32_t pipe) {
+  MatchSpec match{key};
+  uint32_t handle = 0;
+  EXPECT_EQ(pd.addEntry(1, {0, pipe}, &match, member, &handle), 0);
+  return handle;
+}
+
+uint32_t ChipTest::addGroupEntry(uint16_t key, uint32_t group, uint32_t pipe) {
+  MatchSpec match{key};
+  uint32_t handle = 0;
+  EXPECT_EQ(pd.addEntryWithSelector(1, {0, pipe}, &match, group, &handle), 0);
+  return handle;
+}
+
+void ChipTest::addToGroup(uint32_t group, uint32_t member) {
+  EXPECT_EQ(pd.addMemberToGroup(1, 0, group, member), 0);
+}
+
+std::vector<std::string> ChipTest::logLines() {
+  std::vector<std::string> lines;
+  for (uint32_t i = 0; i < chipsim().logCount(); ++i) {
+    lines.emplace_back(chipsim().logLine(i));
+  }
+  return lines;
+}
+
+std::string ChipTest::lastLine() {
+  uint32_t count = chipsim().logCount();
+  const char* line = count ? chipsim().logLine(count - 1) : nullptr;
+  return line ? line : "";
+}
+
+}  // namespace chipsim_test

@@ -1,0 +1,196 @@
+#include "ChipTest.h"
+#include "NamedChip.h"
+#include "ToolRun.h"
+
+namespace chipsim_test {
+namespace {
+
+class ToolTest : public ChipTest {
+ protected:
+  void SetUp() override {
+    ChipTest::SetUp();
+    ASSERT_EQ(pd.attach(chip.c_str()), 0);
+  }
+  void TearDown() override {
+    ChipTest::TearDown();
+    pd.attach(nullptr);
+  }
+
+  // Two members (selectors 7 and 8) in a group where the second is inactive,
+  // an entry for each, scoped per pipe, and a default entry.
+  void makeTables() {
+    ASSERT_EQ(pd.setProperty(1, 0, 1, 1), 0);
+    uint32_t first = addMember(7);
+    uint32_t second = addMember(8);
+    uint32_t group = createGroup(3);
+    addToGroup(group, first);
+    addToGroup(group, second);
+    ASSERT_EQ(pd.groupMemberStateSet(1, 0, group, second, 1), 0);
+    addEntry(5, first, 1);
+    addGroupEntry(6, group);
+    uint32_t entry = 0;
+    ASSERT_EQ(pd.setDefaultEntry(1, kAllPipes, second, &entry), 0);
+  }
+
+  ToolRun tool(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"--chip", chip.name()});
+    return ToolRun::of(arguments);
+  }
+
+  static void expectUsageError(const ToolRun& run, const std::string& message) {
+    EXPECT_EQ(run.exitStatus, 2);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, "chipsim: " + message + " (see chipsim --help)\n");
+  }
+
+  NamedChip chip{"tool"};
+};
+
+TEST_F(ToolTest, HelpTellsHowToUseTheTool) {
+  ToolRun run = ToolRun::of({"--help"});
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_EQ(run.err, "");
+  EXPECT_EQ(run.out,
+            R"(Usage: chipsim --chip NAME COMMAND [ARGUMENTS]
+       chipsim --help
+
+Looks at and drives the software switch chip kept in the shared-memory segment
+NAME ("/x" or "x"), as the agent that uses it runs.
+
+Commands:
+  dump                           print the chip's tables: entries, the default
+                                 entry, members, groups with their members'
+                                 states, and the entry scope
+  log                            print the chip's call log, oldest line first
+  fault FUNCTION STATUS [COUNT]  make the next COUNT (default 1) calls of the PD
+                                 function FUNCTION change nothing and return
+                                 STATUS; COUNT 0 cancels
+  forward SESSION HASH [PIPE]    forward a packet of mirror session SESSION with
+                                 the hash HASH, coming in on pipe PIPE (default:
+                                 the first pipe with an entry for it), and print
+                                 the LAG member selector it gets, or "miss"
+  reset                          empty the chip
+
+Options:
+  --chip NAME                    the chip to work on; it must exist
+  -h, --help                     print this help and exit
+
+Exit status: 0 done, 1 failed, 2 bad command line.
+)");
+  EXPECT_EQ(ToolRun::of({"-h"}).out, run.out);
+}
+
+TEST_F(ToolTest, DumpShowsTheTables) {
+  makeTables();
+  ToolRun run = tool({"dump"});
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_EQ(run.err, "");
+  EXPECT_EQ(run.out, "chip " + chip.name() +
+                         ": device 0, 4 pipes, entry scope per pipe\n"
+                         "entries: 2 of 4\n"
+                         "  entry 1: mirror_session=5 pipe=0x1 mbr=1\n"
+                         "  entry 2: mirror_session=6 pipe=0xffff grp=1\n"
+                         "default entry 5: mbr=2 pipe=0xffff\n"
+                         "members: 2 of 4\n"
+                         "  mbr 1: selector=7 entries=1 groups=1\n"
+                         "  mbr 2: selector=8 entries=1 groups=1\n"
+                         "groups: 1 of 2\n"
+                         "  grp 1: max_size=3 entries=1 members=[1 active, 2 inactive]\n");
+}
+
+TEST_F(ToolTest, DumpShowsAnEmptyChip) {
+  ToolRun run = tool({"dump"});
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_EQ(run.out, "chip " + chip.name() +
+                         ": device 0, 4 pipes, entry scope all pipes\n"
+                         "entries: 0 of 4\n"
+                         "default entry 5: not set\n"
+                         "members: 0 of 4\n"
+                         "groups: 0 of 2\n");
+}
+
+TEST_F(ToolTest, FaultFailsTheNextCallsOfAFunction) {
+  uint32_t member = addMember(7);
+  ToolRun run = tool({"fault", kAddEntry, "9", "2"});
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err, "");
+  MatchSpec match{5};
+  uint32_t entry = 0;
+  EXPECT_EQ(pd.addEntry(1, kAllPipes, &match, member, &entry), 9);
+  EXPECT_EQ(lastLine(),
+            kAddEntry + "(sess=1, dev=0, pipe=0xffff, mirror_session=5, mbr=1) = 9 (injected)");
+  EXPECT_EQ(pd.addEntry(1, kAllPipes, &match, member, &entry), 9);
+  EXPECT_EQ(pd.addEntry(1, kAllPipes, &match, member, &entry), 0);
+}
+
+TEST_F(ToolTest, FaultCountsOneCallUnlessTold) {
+  ASSERT_EQ(tool({"fault", kDelGroup, "0x10"}).exitStatus, 0);
+  EXPECT_EQ(pd.delGroup(1, 0, 1), 16);
+  EXPECT_EQ(pd.delGroup(1, 0, 1), 6);
+}
+
+TEST_F(ToolTest, ForwardPrintsTheSelectorAPacketGets) {
+  makeTables();
+  EXPECT_EQ(tool({"forward", "5", "0"}).out, "selector 7\n");
+  EXPECT_EQ(tool({"forward", "6", "1"}).out, "selector 7\n");  // the only active member
+  EXPECT_EQ(tool({"forward", "9", "0"}).out, "selector 8 (default entry)\n");
+  EXPECT_EQ(tool({"forward", "5", "0", "0"}).out, "selector 8 (default entry)\n");
+  ToolRun run = tool({"forward", "5", "0", "1"});
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_EQ(run.out, "selector 7\n");
+  EXPECT_EQ(run.err, "");
+}
+
+TEST_F(ToolTest, ForwardPrintsAMiss) {
+  ToolRun run = tool({"forward", "5", "4294967295"});
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_EQ(run.out, "miss\n");
+}
+
+TEST_F(ToolTest, LogPrintsTheCallLog) {
+  addMember(7);
+  pd.delGroup(1, 0, 3);
+  ToolRun run = tool({"log"});
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_EQ(run.out, kAddMember + "(sess=1, dev=0, pipe=0xffff, selector=7) = 0 mbr=1\n" +
+                         kDelGroup + "(sess=1, dev=0, grp=3) = 6\n");
+}
+
+TEST_F(ToolTest, ResetEmptiesTheChip) {
+  makeTables();
+  ToolRun run = tool({"reset"});
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(pd.members(), 0u);
+  EXPECT_EQ(pd.entries(), 0u);
+}
+
+TEST_F(ToolTest, AMissingChipIsAFailure) {
+  NamedChip missing("missing");
+  ToolRun run = ToolRun::of({"--chip=" + missing.name(), "dump"});
+  EXPECT_EQ(run.exitStatus, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err,
+            "chipsim: cannot attach to chip '" + missing.name() + "': No such file or directory\n");
+}
+
+TEST_F(ToolTest, BadCommandLinesAreRefused) {
+  expectUsageError(ToolRun::of({}), "no command");
+  expectUsageError(ToolRun::of({"dump"}), "no chip: give --chip NAME");
+  expectUsageError(ToolRun::of({"--chip"}), "--chip needs a NAME");
+  expectUsageError(ToolRun::of({"--verbose", "dump"}), "unknown option '--verbose'");
+  expectUsageError(tool({"frobnicate"}), "unknown command 'frobnicate'");
+  expectUsageError(tool({"dump", "all"}), "dump takes no arguments");
+  expectUsageError(tool({"fault", kAddEntry}), "fault needs FUNCTION STATUS [COUNT]");
+  expectUsageError(tool({"fault", kAddEntry, "nine"}), "bad status 'nine'");
+  expectUsageError(tool({"fault", kAddEntry, "9", "-1"}), "bad count '-1'");
+  expectUsageError(tool({"fault", "add_entry", "9"}), "unknown PD function 'add_entry'");
+  expectUsageError(tool({"forward", "5"}), "forward needs SESSION HASH [PIPE]");
+  expectUsageError(tool({"forward", "65536", "0"}), "bad session '65536'");
+  expectUsageError(tool({"forward", "5", "0", "4"}), "no pipe 4 on this chip");
+  EXPECT_EQ(pd.calls(kAddEntry.c_str()), 0);
+}
+
+}  // namespace
+}  // namespace chipsim_test
