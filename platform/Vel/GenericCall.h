@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Vel/GenericArgs.h"
+#include "Vel/GenericIf.h"
 #include "Vel/GenericReply.h"
 #include "Vel/GenericValue.h"
 
@@ -59,6 +60,11 @@ class GenericCall {
     return answer(GenericValue(answerType(), std::move(value)));
   }
   GenericReply answer(GenericValue value);
+  // Answers a read of a read-only attribute; refuses every other operation.
+  template <class T>
+  GenericReply answerRead(T value) {
+    return op_ == GenericIf::opRead ? answer(std::move(value)) : notSupported();
+  }
   // Answers a test (contains, is-default, equality) with a bool.
   GenericReply answerBool(bool value);
   // Answers a counter of a collection with an unsigned 32-bit number.

@@ -85,9 +85,7 @@ Vel::GenericReply positionAttribute(Vel::GenericCall& call) {
   Position& position = call.value<Position>();
   switch (call.attributeNumber()) {
     case 2:  // row
-      if (call.op() == GenericIf::opRead)
-        return call.answer(position.row);
-      return call.notSupported();
+      return call.answerRead(position.row);
     case 3:  // front
       switch (call.op()) {
         case GenericIf::opRead:
@@ -138,9 +136,7 @@ Vel::GenericReply bookAttribute(Vel::GenericCall& call) {
   Book& book = call.object<Book>();
   switch (call.attributeNumber()) {
     case 130:  // id
-      if (call.op() == GenericIf::opRead)
-        return call.answer(book.id());
-      return call.notSupported();
+      return call.answerRead(book.id());
     case 131:  // title
       switch (call.op()) {
         case GenericIf::opRead:
@@ -169,9 +165,7 @@ Vel::GenericReply shelfAttribute(Vel::GenericCall& call) {
       }
       return call.notSupported();
     case 131:  // serial
-      if (call.op() == GenericIf::opRead)
-        return call.answer(shelf.serial());
-      return call.notSupported();
+      return call.answerRead(shelf.serial());
     case 132:  // book
       switch (call.op()) {
         case GenericIf::opRead:
