@@ -39,6 +39,18 @@ inline const std::string kDelMemberFromGroup =
 inline const std::string kGroupMemberStateSet =
     "p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set";
 
+// Every PD function of the chip.
+inline const std::vector<std::string> kPdFunctions = {
+    kAddEntry,           kAddEntryWithSelector,
+    kModifyEntry,        kModifyEntryWithSelector,
+    kSetDefaultEntry,    kSetDefaultEntryWithSelector,
+    kTableDelete,        kTableResetDefaultEntry,
+    kSetProperty,        kGetEntry,
+    kAddMember,          kModifyMember,
+    kDelMember,          kCreateGroup,
+    kDelGroup,           kAddMemberToGroup,
+    kDelMemberFromGroup, kGroupMemberStateSet};
+
 using MatchSpec = p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t;
 using ActionSpec = p4_pd_kestro_switch_setLagMemberSelector_action_spec_t;
 
@@ -65,6 +77,9 @@ class ChipTest : public ::testing::Test {
   uint32_t addEntry(uint16_t key, uint32_t member, uint32_t pipe = P4_PD_ALL_PIPES);
   uint32_t addGroupEntry(uint16_t key, uint32_t group, uint32_t pipe = P4_PD_ALL_PIPES);
   void addToGroup(uint32_t group, uint32_t member);
+
+  // Calls of every PD function together, since the chip was made or reset.
+  static int64_t totalCalls();
 
   static std::vector<std::string> logLines();
   static std::string lastLine();
