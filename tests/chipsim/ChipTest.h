@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "ChipsimLibrary.h"
+#include "support/ChipsimLibrary.h"
 
 namespace chipsim_test {
 

@@ -4,7 +4,7 @@
 #include <random>
 #include <vector>
 
-#include "ChipsimLibrary.h"
+#include "support/ChipsimLibrary.h"
 
 namespace chipsim_test {
 
