@@ -88,13 +88,63 @@ std::string statusName(const testing::TestParamInfo<StatusCase>& info) {
   return status < 0 ? "StatusMinus" + std::to_string(-status) : "Status" + std::to_string(status);
 }
 
-void PrintTo(const StatusCase& c, std::ostream* out) { *out << "status " << c.status; }
+void PrintTo(const StatusCase& c, std::ostream* out) {
+  *out << "status " << c.status;
+}
 
 INSTANTIATE_TEST_SUITE_P(EveryCode, PdStatusRuleTest, testing::ValuesIn(statusCases), statusName);
 
 TEST(PdStatusTest, SuccessThrowsNothing) {
   EXPECT_STREQ(statusText(0), "Success");
   EXPECT_NO_THROW(checkPdStatus(addEntry, 0));
+}
+
+// The PD functions whose statuses the plug-in checks.
+const char* const pdFunctions[] = {
+    "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry",
+    "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_with_selector",
+    "p4_pd_kestro_switch_ingressMirrorLagGroup_modify_entry",
+    "p4_pd_kestro_switch_ingressMirrorLagGroup_modify_entry_with_selector",
+    "p4_pd_kestro_switch_ingressMirrorLagGroup_set_default_entry",
+    "p4_pd_kestro_switch_ingressMirrorLagGroup_set_default_entry_with_selector",
+    "p4_pd_kestro_switch_ingressMirrorLagGroup_table_delete",
+    "p4_pd_kestro_switch_ingressMirrorLagGroup_table_reset_default_entry",
+    "p4_pd_kestro_switch_ingressMirrorLagGroup_set_property",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_modify_member_with_setLagMemberSelector",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_create_group",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_to_group",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set",
+};
+
+TEST(PdStatusTest, StatusNineFromAnyPdFunctionIsATableFull) {
+  for (const char* function : pdFunctions) {
+    try {
+      checkPdStatus(function, 9);
+      ADD_FAILURE() << function << " did not throw";
+    } catch (const BfTable::BfTableFull& e) {
+      EXPECT_EQ(e.status(), 9) << function;
+      EXPECT_EQ(e.message(), std::string(function) + "() failed: Not enough Space");
+    }
+  }
+}
+
+TEST(PdStatusTest, StatusSixteenFromAnyPdFunctionIsAPlainTableException) {
+  for (const char* function : pdFunctions) {
+    try {
+      checkPdStatus(function, 16);
+      ADD_FAILURE() << function << " did not throw";
+    } catch (const BfTable::BfTableException& e) {
+      EXPECT_EQ(typeid(e), typeid(BfTable::BfTableException)) << function;
+      EXPECT_EQ(e.status(), 16) << function;
+      EXPECT_EQ(e.message(), std::string(function) +
+                                 "() failed: Action data entry is being referenced by match "
+                                 "entries");
+    }
+  }
 }
 
 TEST(PdStatusTest, FullTableMessageEndsWithNotEnoughSpace) {
