@@ -9,6 +9,7 @@
 #include "BfIngressMirrorLagGroup/hw/BfNoSysResources.h"
 #include "BfIngressMirrorLagGroup/hw/BfNotSupported.h"
 #include "BfIngressMirrorLagGroup/hw/BfTableFull.h"
+#include "support/PdFunctionNames.h"
 
 namespace BfIngressMirrorLagGroup {
 namespace {
@@ -99,43 +100,22 @@ TEST(PdStatusTest, SuccessThrowsNothing) {
   EXPECT_NO_THROW(checkPdStatus(addEntry, 0));
 }
 
-// The PD functions whose statuses the plug-in checks.
-const char* const pdFunctions[] = {
-    "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry",
-    "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_with_selector",
-    "p4_pd_kestro_switch_ingressMirrorLagGroup_modify_entry",
-    "p4_pd_kestro_switch_ingressMirrorLagGroup_modify_entry_with_selector",
-    "p4_pd_kestro_switch_ingressMirrorLagGroup_set_default_entry",
-    "p4_pd_kestro_switch_ingressMirrorLagGroup_set_default_entry_with_selector",
-    "p4_pd_kestro_switch_ingressMirrorLagGroup_table_delete",
-    "p4_pd_kestro_switch_ingressMirrorLagGroup_table_reset_default_entry",
-    "p4_pd_kestro_switch_ingressMirrorLagGroup_set_property",
-    "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector",
-    "p4_pd_kestro_switch_mirrorLagPortActionProfile_modify_member_with_setLagMemberSelector",
-    "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member",
-    "p4_pd_kestro_switch_mirrorLagPortActionProfile_create_group",
-    "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group",
-    "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_to_group",
-    "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group",
-    "p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set",
-};
-
 TEST(PdStatusTest, StatusNineFromAnyPdFunctionIsATableFull) {
-  for (const char* function : pdFunctions) {
+  for (const std::string& function : chipsim_test::kPdFunctions) {
     try {
-      checkPdStatus(function, 9);
+      checkPdStatus(function.c_str(), 9);
       ADD_FAILURE() << function << " did not throw";
     } catch (const BfTable::BfTableFull& e) {
       EXPECT_EQ(e.status(), 9) << function;
-      EXPECT_EQ(e.message(), std::string(function) + "() failed: Not enough Space");
+      EXPECT_EQ(e.message(), function + "() failed: Not enough Space");
     }
   }
 }
 
 TEST(PdStatusTest, StatusSixteenFromAnyPdFunctionIsAPlainTableException) {
-  for (const char* function : pdFunctions) {
+  for (const std::string& function : chipsim_test::kPdFunctions) {
     try {
-      checkPdStatus(function, 16);
+      checkPdStatus(function.c_str(), 16);
       ADD_FAILURE() << function << " did not throw";
     } catch (const BfTable::BfTableException& e) {
       EXPECT_EQ(typeid(e), typeid(BfTable::BfTableException)) << function;
