@@ -58,6 +58,14 @@ void ChipTest::addToGroup(uint32_t group, uint32_t member) {
   EXPECT_EQ(pd.addMemberToGroup(1, 0, group, member), 0);
 }
 
+int64_t ChipTest::totalCalls() {
+  int64_t total = 0;
+  for (const std::string& name : kPdFunctions) {
+    total += chipsim().calls(name.c_str());
+  }
+  return total;
+}
+
 std::vector<std::string> ChipTest::logLines() {
   std::vector<std::string> lines;
   for (uint32_t i = 0; i < chipsim().logCount(); ++i) {

@@ -61,18 +61,6 @@ class DyingCallTest : public ChipTest {
     }
   }
 
-  int64_t totalCalls() {
-    int64_t total = 0;
-    for (const std::string* name :
-         {&kAddEntry, &kAddEntryWithSelector, &kModifyEntry, &kModifyEntryWithSelector,
-          &kSetDefaultEntry, &kSetDefaultEntryWithSelector, &kTableDelete, &kTableResetDefaultEntry,
-          &kSetProperty, &kGetEntry, &kAddMember, &kModifyMember, &kDelMember, &kCreateGroup,
-          &kDelGroup, &kAddMemberToGroup, &kDelMemberFromGroup, &kGroupMemberStateSet}) {
-      total += pd.calls(name->c_str());
-    }
-    return total;
-  }
-
   NamedChip chip{"dying"};
 };
 

@@ -51,16 +51,7 @@ TEST_F(FaultInjectionTest, AnUnknownFunctionIsRefused) {
 }
 
 TEST_F(FaultInjectionTest, EveryPdFunctionCanBeFailed) {
-  const std::string names[] = {kAddEntry,           kAddEntryWithSelector,
-                               kModifyEntry,        kModifyEntryWithSelector,
-                               kSetDefaultEntry,    kSetDefaultEntryWithSelector,
-                               kTableDelete,        kTableResetDefaultEntry,
-                               kSetProperty,        kGetEntry,
-                               kAddMember,          kModifyMember,
-                               kDelMember,          kCreateGroup,
-                               kDelGroup,           kAddMemberToGroup,
-                               kDelMemberFromGroup, kGroupMemberStateSet};
-  for (const std::string& name : names) {
+  for (const std::string& name : kPdFunctions) {
     EXPECT_EQ(pd.failNext(name.c_str(), 17, 1), 0) << name;
     EXPECT_EQ(pd.calls(name.c_str()), 0) << name;
   }
@@ -86,7 +77,7 @@ TEST_F(FaultInjectionTest, EveryPdFunctionCanBeFailed) {
   EXPECT_EQ(pd.addMemberToGroup(1, 0, 1, 1), 17);
   EXPECT_EQ(pd.delMemberFromGroup(1, 0, 1, 1), 17);
   EXPECT_EQ(pd.groupMemberStateSet(1, 0, 1, 1, 0), 17);
-  for (const std::string& name : names) {
+  for (const std::string& name : kPdFunctions) {
     EXPECT_EQ(pd.calls(name.c_str()), 1) << name;
   }
   EXPECT_EQ(pd.logCount(), 18u);

@@ -69,6 +69,7 @@ pipe_status RandomCaller::callOne() {
                maybeNull(&selector));
     return 0;
   }
+  ++pdCalls_;
   return which < 10 ? callEntryFunction(which) : callProfileFunction(which - 10);
 }
 

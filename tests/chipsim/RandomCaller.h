@@ -4,7 +4,7 @@
 #include <random>
 #include <vector>
 
-#include "ChipsimLibrary.h"
+#include "support/ChipsimLibrary.h"
 
 namespace chipsim_test {
 
@@ -18,6 +18,9 @@ class RandomCaller {
 
   // One PD call or look-up; the status of the call (0 for a look-up).
   pipe_status callOne();
+
+  // PD calls made so far (look-ups are not PD calls).
+  int64_t pdCalls() const { return pdCalls_; }
 
  private:
   bool chance(unsigned percent);
@@ -40,6 +43,7 @@ class RandomCaller {
   std::vector<uint32_t> entries_;
   std::vector<uint32_t> members_;
   std::vector<uint32_t> groups_;
+  int64_t pdCalls_ = 0;
 };
 
 }  // namespace chipsim_test

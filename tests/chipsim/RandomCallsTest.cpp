@@ -1,5 +1,6 @@
 #include <map>
 #include <set>
+#include <thread>
 
 #include "ChipTest.h"
 #include "RandomCaller.h"
@@ -37,6 +38,27 @@ TEST_F(RandomCallsTest, NoCallBreaksTheChip) {
   }
   // Every status the chip gives, and no other.
   EXPECT_EQ(seen, (std::set<pipe_status>{0, 3, 4, 6, 9, 16}));
+}
+
+TEST_F(RandomCallsTest, ThreadsCallingAtOnceLeaveACoherentChip) {
+  std::vector<RandomCaller> callers;
+  for (uint32_t seed = 1; seed <= 4; ++seed) {
+    callers.emplace_back(seed);
+  }
+  std::vector<std::thread> threads;
+  for (RandomCaller& caller : callers) {
+    threads.emplace_back([&caller] {
+      for (int call = 0; call < 20000; ++call) {
+        caller.callOne();
+      }
+    });
+  }
+  int64_t calls = 0;
+  for (std::size_t i = 0; i < threads.size(); ++i) {
+    threads[i].join();
+    calls += callers[i].pdCalls();
+  }
+  EXPECT_EQ(totalCalls(), calls);  // not one call lost
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "ChipsimLibrary.h"
+#include "support/ChipsimLibrary.h"
 
 #include <dlfcn.h>
 

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+
+#include "BfnTable/MatchSpecBase.h"
+
+namespace BfIngressMirrorLagGroup {
+
+// The match key of the ingressMirrorLagGroup table: the ingress-mirror session,
+// matched exactly. Held through Vel::Ptr<IngressMirrorLagGroupMatchSpec const>;
+// tables and registries tell keys apart by object identity, not by value.
+class IngressMirrorLagGroupMatchSpec : public BfnTable::MatchSpecBase {
+ public:
+  std::uint16_t ingMirrorMdMirrorSession() const noexcept { return ingMirrorMdMirrorSession_; }
+  void ingMirrorMdMirrorSessionIs(std::uint16_t session) noexcept {
+    ingMirrorMdMirrorSession_ = session;
+  }
+
+ private:
+  std::uint16_t ingMirrorMdMirrorSession_ = 0;
+};
+
+}  // namespace BfIngressMirrorLagGroup

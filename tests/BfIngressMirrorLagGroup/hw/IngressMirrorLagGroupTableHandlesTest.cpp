@@ -1,0 +1,137 @@
+#include "BfIngressMirrorLagGroup/hw/IngressMirrorLagGroupTableHandles.h"
+
+#include <gtest/gtest.h>
+
+#include "Vel/Allocate.h"
+
+namespace BfIngressMirrorLagGroup {
+namespace {
+
+using MatchSpec = IngressMirrorLagGroupTableHandles::MatchSpec;
+
+MatchSpec matchSpec(std::uint16_t session) {
+  auto spec = Vel::allocate<IngressMirrorLagGroupMatchSpec>();
+  spec->ingMirrorMdMirrorSessionIs(session);
+  return spec;
+}
+
+class IngressMirrorLagGroupTableHandlesTest : public testing::Test {
+ protected:
+  void TearDown() override {
+    registry = nullptr;
+    EXPECT_EQ(Vel::AllocTrackTypeInfo::of<IngressMirrorLagGroupTableHandles>().liveObjects(), 0u);
+    EXPECT_EQ(Vel::AllocTrackTypeInfo::of<IngressMirrorLagGroupMatchSpec>().liveObjects(), 0u);
+  }
+
+  Vel::Ptr<IngressMirrorLagGroupTableHandles> registry = ingressMirrorLagGroupTableHandlesFactory();
+};
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, FactoryMakesAnEmptyUnnamedRegistry) {
+  EXPECT_EQ(registry->name(), "");
+  EXPECT_EQ(registry->fullName(), "");
+  EXPECT_TRUE(registry->entries().empty());
+  EXPECT_TRUE(registry->groups().empty());
+  EXPECT_TRUE(registry->members().empty());
+  EXPECT_EQ(registry->references(), 1u);
+}
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, AbsentKeysGiveZero) {
+  EXPECT_EQ(registry->member(7), 0u);
+  EXPECT_EQ(registry->group(7), 0u);
+  EXPECT_EQ(registry->entry(matchSpec(7)), 0u);
+  EXPECT_EQ(registry->entry(nullptr), 0u);
+}
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, EntryIsTwiceKeepsOneNodeWithTheSecondHandle) {
+  const MatchSpec match = matchSpec(5);
+  registry->entryIs(match, 11);
+  registry->entryIs(match, 12);
+  EXPECT_EQ(registry->entries().size(), 1u);
+  EXPECT_EQ(registry->entry(match), 12u);
+}
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, EqualMatchSpecsInTwoObjectsAreTwoKeys) {
+  const MatchSpec first = matchSpec(5);
+  const MatchSpec second = matchSpec(5);
+  registry->entryIs(first, 11);
+  registry->entryIs(second, 12);
+  EXPECT_EQ(registry->entries().size(), 2u);
+  EXPECT_EQ(registry->entry(first), 11u);
+  EXPECT_EQ(registry->entry(second), 12u);
+}
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, EntryDelOfAnAbsentKeyGivesZeroAndChangesNothing) {
+  const MatchSpec kept = matchSpec(5);
+  registry->entryIs(kept, 11);
+  EXPECT_EQ(registry->entryDel(matchSpec(5)), 0u);
+  EXPECT_EQ(registry->entries().size(), 1u);
+  EXPECT_EQ(registry->entry(kept), 11u);
+}
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, EntryDelGivesTheHandleAndDropsTheKeyReference) {
+  const MatchSpec match = matchSpec(5);
+  registry->newEntry(match, 11);
+  EXPECT_EQ(match->references(), 2u);
+  EXPECT_EQ(registry->entryDel(match), 11u);
+  EXPECT_EQ(match->references(), 1u);
+  EXPECT_EQ(registry->entry(match), 0u);
+}
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, GroupAndMemberHandlesOverwriteInPlace) {
+  registry->newGroup(3, 30);
+  registry->groupIs(3, 31);
+  registry->groupIs(4, 40);
+  registry->newMember(7, 70);
+  registry->memberIs(7, 71);
+  EXPECT_EQ(registry->groups().size(), 2u);
+  EXPECT_EQ(registry->group(3), 31u);
+  EXPECT_EQ(registry->group(4), 40u);
+  EXPECT_EQ(registry->members().size(), 1u);
+  EXPECT_EQ(registry->member(7), 71u);
+  EXPECT_EQ(registry->memberDel(7), 71u);
+  EXPECT_EQ(registry->memberDel(7), 0u);
+  EXPECT_EQ(registry->groupDel(3), 31u);
+  EXPECT_EQ(registry->group(3), 0u);
+}
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, GroupAndMemberIdsAreSeparateKeySpaces) {
+  registry->newGroup(5, 50);
+  EXPECT_EQ(registry->member(5), 0u);
+  registry->newMember(5, 55);
+  EXPECT_EQ(registry->group(5), 50u);
+  EXPECT_EQ(registry->member(5), 55u);
+}
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, DelAllEmptiesEachCollectionAlone) {
+  for (std::uint32_t i = 1; i <= 20; ++i) {
+    registry->newEntry(matchSpec(static_cast<std::uint16_t>(i)), 100 + i);
+    registry->newGroup(i, 200 + i);
+    registry->newMember(i, 300 + i);
+  }
+  registry->entryDelAll();
+  EXPECT_TRUE(registry->entries().empty());
+  EXPECT_EQ(Vel::AllocTrackTypeInfo::of<IngressMirrorLagGroupMatchSpec>().liveObjects(), 0u);
+  EXPECT_EQ(registry->groups().size(), 20u);
+  registry->groupDelAll();
+  EXPECT_TRUE(registry->groups().empty());
+  EXPECT_EQ(registry->members().size(), 20u);
+  registry->memberDelAll();
+  EXPECT_TRUE(registry->members().empty());
+}
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, DestroyingTheRegistryReleasesItsKeys) {
+  const MatchSpec match = matchSpec(5);
+  registry->newEntry(match, 11);
+  registry = nullptr;
+  EXPECT_EQ(match->references(), 1u);
+}
+
+TEST(IngressMirrorLagGroupTableHandlesDeathTest, NewEntryOfAPresentKeyIsAnAssertion) {
+  auto registry = ingressMirrorLagGroupTableHandlesFactory();
+  const MatchSpec match = matchSpec(5);
+  registry->newEntry(match, 11);
+  EXPECT_DEATH(registry->newEntry(match, 12), "Assertion 'added' failed\\.");
+}
+
+}  // namespace
+}  // namespace BfIngressMirrorLagGroup
