@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
+
+#include "Vel/String.h"
 
 namespace BfIngressMirrorLagGroup {
 
@@ -11,9 +14,33 @@ struct IngressMirrorLagGroupMemberOrGroupOrNone {
   std::uint32_t id = 0;
   bool member = false;
 
+  constexpr IngressMirrorLagGroupMemberOrGroupOrNone() noexcept = default;
+  constexpr IngressMirrorLagGroupMemberOrGroupOrNone(std::uint32_t memberOrGroupId,
+                                                     bool isMember) noexcept
+      : id(memberOrGroupId), member(isMember) {}
+  // Reads the text form written by valueToStrep at pos and advances pos past
+  // it. Text that is not that form raises the framework's ParseException (a
+  // literal is missing) or RangeException naming the attribute (a value cannot
+  // be read); pos is then left where it was.
+  IngressMirrorLagGroupMemberOrGroupOrNone(Vel::String::IteratorConst& pos,
+                                           const Vel::String::IteratorConst& end);
+
+  // Reads the value from the whole of `text`; text left over is refused.
+  static IngressMirrorLagGroupMemberOrGroupOrNone fromText(const Vel::String& text);
+
   bool operator==(const IngressMirrorLagGroupMemberOrGroupOrNone& other) const noexcept {
     return id == other.id && member == other.member;
   }
 };
+
+// "Value('BfIngressMirrorLagGroup::IngressMirrorLagGroupMemberOrGroupOrNone', ** {'id': <id>,
+// 'member': <True|False>})", the text the parsing constructor reads back.
+Vel::String valueToStrep(const IngressMirrorLagGroupMemberOrGroupOrNone& value);
+std::ostream& operator<<(std::ostream& out, const IngressMirrorLagGroupMemberOrGroupOrNone& value);
+
+// Reads a memberOrGroup at pos as the parsing constructor does, for readers of
+// values that hold one (found by Vel::deserializeAttr through argument lookup).
+void sequenceToValue(Vel::String::IteratorConst& pos, const Vel::String::IteratorConst& end,
+                     IngressMirrorLagGroupMemberOrGroupOrNone* out);
 
 }  // namespace BfIngressMirrorLagGroup

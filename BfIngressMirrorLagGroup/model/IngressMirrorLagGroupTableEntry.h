@@ -1,10 +1,12 @@
 #pragma once
 
+#include <ostream>
 #include <utility>
 
 #include "BfIngressMirrorLagGroup/model/IngressMirrorLagGroupMatchSpec.h"
 #include "BfIngressMirrorLagGroup/model/IngressMirrorLagGroupMemberOrGroupOrNone.h"
 #include "Vel/Ptr.h"
+#include "Vel/String.h"
 
 namespace BfIngressMirrorLagGroup {
 
@@ -20,6 +22,16 @@ class IngressMirrorLagGroupTableEntry {
   IngressMirrorLagGroupTableEntry(MatchSpec match,
                                   IngressMirrorLagGroupMemberOrGroupOrNone memberOrGroup)
       : match_(std::move(match)), memberOrGroup_(memberOrGroup) {}
+  // Reads the text form written by valueToStrep at pos and advances pos past
+  // it. The match reference must name a live match spec. Text that is not that
+  // form raises the framework's ParseException (a literal is missing) or
+  // RangeException naming the attribute "match" or "memberOrGroup"; pos is then
+  // left where it was and no reference is kept.
+  IngressMirrorLagGroupTableEntry(Vel::String::IteratorConst& pos,
+                                  const Vel::String::IteratorConst& end);
+
+  // Reads the entry from the whole of `text`; text left over is refused.
+  static IngressMirrorLagGroupTableEntry fromText(const Vel::String& text);
 
   const MatchSpec& match() const noexcept { return match_; }
   void matchIs(MatchSpec match) noexcept { match_ = std::move(match); }
@@ -40,5 +52,11 @@ class IngressMirrorLagGroupTableEntry {
   MatchSpec match_;
   IngressMirrorLagGroupMemberOrGroupOrNone memberOrGroup_;
 };
+
+// "Value('BfIngressMirrorLagGroup::IngressMirrorLagGroupTableEntry', ** {'match': <reference>,
+// 'memberOrGroup': <memberOrGroup text>})", the text the parsing constructor reads
+// back; the reference is the framework's text of a reference to the match spec.
+Vel::String valueToStrep(const IngressMirrorLagGroupTableEntry& entry);
+std::ostream& operator<<(std::ostream& out, const IngressMirrorLagGroupTableEntry& entry);
 
 }  // namespace BfIngressMirrorLagGroup
