@@ -59,8 +59,7 @@ void TableView::checkIdentity(const TableHeader& header, std::uint32_t recordTyp
     corrupt(Vel::format("header size %u, expected %zu", header.headerSize, sizeof(TableHeader)));
   }
   if (header.headerChecksum != header.expectedChecksum()) {
-    corrupt(Vel::format("header checksum 0x%016llx, expected 0x%016llx", ull(header.headerChecksum),
-                        ull(header.expectedChecksum())));
+    corrupt("header checksum mismatch");
   }
   if (header.recordType != recordType) {
     corrupt(Vel::format("record type %u, expected %u", header.recordType, recordType));
@@ -145,11 +144,8 @@ void TableView::checkCopy(const TableLayout& layout, std::uint32_t slot, const S
     corruptSlot(slot,
                 Vel::format("record written in state %u, slot in state %u", copy.state, state));
   }
-  std::uint64_t expected = copyChecksum(slot, copy, record);
-  if (copy.checksum != expected) {
-    corruptSlot(slot, Vel::format("checksum 0x%016llx, expected 0x%016llx (torn or damaged "
-                                  "record)",
-                                  ull(copy.checksum), ull(expected)));
+  if (copy.checksum != copyChecksum(slot, copy, record)) {
+    corruptSlot(slot, "checksum mismatch (torn or damaged record)");
   }
 }
 
