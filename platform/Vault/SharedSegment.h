@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace Vault {
+
+// A named POSIX shared-memory segment mapped into this process: read-only for
+// readers (PROT_READ), read-write for the table's writer. Segments are made
+// with mode 0600.
+class SharedSegment {
+ public:
+  ~SharedSegment();
+  SharedSegment(const SharedSegment&) = delete;
+  SharedSegment& operator=(const SharedSegment&) = delete;
+
+  // "/name" for a name with or without its leading slash; throws
+  // Vel::RangeException for a name that is not one path component.
+  static std::string fullName(const std::string& name);
+
+  // Maps the whole of an existing segment read-only, as large as it is now;
+  // null when there is no such segment. Throws Vel::RangeException when it
+  // exists but cannot be opened or mapped.
+  static std::unique_ptr<SharedSegment> openReadOnly(const std::string& name);
+
+  // Removes the name; true when it existed.
+  static bool unlink(const std::string& name);
+
+  const std::byte* bytes() const noexcept { return base_; }
+  std::byte* writableBytes() const noexcept { return writable_ ? base_ : nullptr; }
+  std::uint64_t size() const noexcept { return size_; }
+  const std::string& name() const noexcept { return name_; }
+
+ private:
+  friend class SegmentFile;
+  SharedSegment(std::byte* base, std::uint64_t size, std::string name, bool writable) noexcept;
+
+  std::byte* base_;
+  std::uint64_t size_;
+  std::string name_;
+  bool writable_;
+};
+
+}  // namespace Vault

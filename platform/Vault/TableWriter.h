@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <unordered_map>
+
+#include "Vault/SharedSegment.h"
+#include "Vault/SlotEntry.h"
+#include "Vault/TableLayout.h"
+#include "Vault/TableView.h"
+#include "Vault/WriteStep.h"
+
+namespace Vault {
+
+// The one writer of a table: makes the table's segment, or re-attaches to the
+// one an earlier process left, and inserts, replaces and removes records by
+// key. Every change is safe against the writer being killed at any point:
+// a new record is written into a free slot (or into the copy of its slot that
+// is not live) and published by one atomic store of the slot's control word.
+//
+// Errors: a bad name, a segment that cannot be opened, dimensions out of range,
+// a table of other dimensions under the name, or a full table raise
+// Vel::RangeException; a damaged header raises Quill::CorruptionDetectedException.
+class TableWriter {
+ public:
+  using WriteProbe = void (*)(WriteStep);
+
+  TableWriter(const std::string& name, std::uint32_t recordType, std::uint32_t recordSize,
+              std::uint32_t capacity);
+
+  // Removes a table's name; true when it existed.
+  static bool unlink(const std::string& name) { return SharedSegment::unlink(name); }
+
+  const std::string& name() const noexcept { return segment_->name(); }
+  const TableLayout& layout() const noexcept { return layout_; }
+  const TableView& view() const noexcept { return view_; }
+  // Slots in use or holding an intent.
+  std::uint32_t recordCount() const noexcept { return header().recordCount; }
+  std::uint64_t writeSequence() const noexcept { return header().writeSequence; }
+
+  // Inserts or replaces the record of `key` in `state` (InUse or Intent);
+  // returns its slot.
+  std::uint32_t write(std::uint64_t key, const void* record, SlotState state);
+  // Frees the slot of `key`; false when there is none.
+  bool remove(std::uint64_t key);
+  std::optional<std::uint32_t> slotOf(std::uint64_t key) const;
+  // Checks every slot; raises at the first damaged one. Returns the records.
+  std::uint32_t validate() const;
+  // Frees every damaged slot; returns how many.
+  std::uint32_t cleanup();
+
+  // Lets a test stop the writer at a given point of every write.
+  void writeProbeIs(WriteProbe probe) noexcept { probe_ = probe; }
+
+ private:
+  TableHeader& header() const noexcept { return *reinterpret_cast<TableHeader*>(bytes()); }
+  std::byte* bytes() const noexcept { return segment_->writableBytes(); }
+  std::byte* slotBytes(std::uint32_t slot) const noexcept {
+    return bytes() + layout_.slotOffset(slot);
+  }
+  std::uint32_t controlWord(std::uint32_t slot) const noexcept;
+
+  void attach(const class SegmentFile& file, std::uint32_t recordType, std::uint32_t capacity);
+  void format(const class SegmentFile& file, std::uint32_t recordType);
+  void checkDimensions(std::uint32_t recordType, std::uint32_t capacity) const;
+  // Learns which slots are free and which key each used slot holds, and puts
+  // the header's count right after a writer died between a publish and a count.
+  void recover();
+  void indexSlot(std::uint32_t slot, std::byte* scratch);
+
+  std::uint32_t takeFreeSlot();
+  void writeCopy(std::uint32_t slot, unsigned copy, std::uint64_t key, const void* record,
+                 SlotState state);
+  void publish(std::uint32_t slot, SlotState state, unsigned copy);
+  void freeSlot(std::uint32_t slot);
+  void countIs(std::uint32_t count) noexcept;
+  void probe(WriteStep step) const {
+    if (probe_ != nullptr) {
+      probe_(step);
+    }
+  }
+
+  std::unique_ptr<SharedSegment> segment_;
+  TableLayout layout_{};
+  TableView view_;
+  std::unordered_map<std::uint64_t, std::uint32_t> slotOfKey_;
+  std::set<std::uint32_t> freeSlots_;
+  std::set<std::uint32_t> damagedSlots_;
+  WriteProbe probe_ = nullptr;
+};
+
+}  // namespace Vault

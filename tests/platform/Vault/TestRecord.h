@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+
+// A small shadow record for exercising the tables: a key and two numbers.
+struct TestRecord {
+  static constexpr std::uint32_t vaultRecordType = 99;
+
+  std::uint64_t key;
+  std::uint32_t first;
+  std::uint32_t second;
+
+  std::uint64_t vaultKey() const noexcept { return key; }
+  bool operator==(const TestRecord&) const = default;
+};
