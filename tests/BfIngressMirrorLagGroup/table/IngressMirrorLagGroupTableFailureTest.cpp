@@ -5,6 +5,7 @@
 #include <typeinfo>
 
 #include "TableTest.h"
+#include "Vel/Expect.h"
 
 namespace BfIngressMirrorLagGroup {
 namespace {

@@ -5,6 +5,7 @@
 
 #include "TableTest.h"
 #include "Vel/Allocate.h"
+#include "Vel/Expect.h"
 
 namespace BfIngressMirrorLagGroup {
 namespace {
