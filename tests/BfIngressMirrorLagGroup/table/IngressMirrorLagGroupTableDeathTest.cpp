@@ -8,24 +8,25 @@
 namespace BfIngressMirrorLagGroup {
 namespace {
 
-// How the compiler writes a reference parameter in a function's signature.
+// The operations' signatures as the compiler writes them in an assertion
+// report: clang keeps the parameter types as written and spaces the reference.
 #if defined(__clang__)
-constexpr const char* kRef = " &";
-#else
-constexpr const char* kRef = "&";
-#endif
-
 const std::string kEntryIs =
-    std::string(
-        "void BfIngressMirrorLagGroup::IngressMirrorLagGroupTable::entryIs(const "
-        "BfIngressMirrorLagGroup::IngressMirrorLagGroupTableEntry") +
-    kRef + ")";
+    "void BfIngressMirrorLagGroup::IngressMirrorLagGroupTable::entryIs(const "
+    "BfIngressMirrorLagGroup::IngressMirrorLagGroupTableEntry &)";
 const std::string kEntryDel =
-    std::string(
-        "BfIngressMirrorLagGroup::IngressMirrorLagGroupTableEntry "
-        "BfIngressMirrorLagGroup::IngressMirrorLagGroupTable::entryDel(const "
-        "Vel::Ptr<const BfIngressMirrorLagGroup::IngressMirrorLagGroupMatchSpec>") +
-    kRef + ")";
+    "BfIngressMirrorLagGroup::IngressMirrorLagGroupTableEntry "
+    "BfIngressMirrorLagGroup::IngressMirrorLagGroupTable::entryDel(const Vel::Ptr<const "
+    "IngressMirrorLagGroupMatchSpec> &)";
+#else
+const std::string kEntryIs =
+    "void BfIngressMirrorLagGroup::IngressMirrorLagGroupTable::entryIs(const "
+    "BfIngressMirrorLagGroup::IngressMirrorLagGroupTableEntry&)";
+const std::string kEntryDel =
+    "BfIngressMirrorLagGroup::IngressMirrorLagGroupTableEntry "
+    "BfIngressMirrorLagGroup::IngressMirrorLagGroupTable::entryDel(const Vel::Ptr<const "
+    "BfIngressMirrorLagGroup::IngressMirrorLagGroupMatchSpec>&)";
+#endif
 
 // A pattern that matches exactly `text` and nothing else.
 std::string exactly(const std::string& text) {
