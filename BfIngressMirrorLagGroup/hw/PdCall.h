@@ -14,12 +14,13 @@ inline constexpr unsigned pdExceptionId = 1;
 
 // Runs one PD call and gives its status: `call` is given the PD interface
 // object, calls one PD function on it and returns that function's status.
-// While it runs, the helper and its PD object are held by counted references;
-// they are dropped before the status is returned.
+// While it runs, the helper, its PD object and its handle registry are held by
+// counted references; they are dropped before the status is returned.
 template <class Call>
 pipe_status pdCallStatus(const Vel::Ptr<IngressMirrorLagGroupTableHelper>& helper, Call&& call) {
   const Vel::Ptr<IngressMirrorLagGroupTableHelper> heldHelper = helper;
   const Vel::Ptr<IngressMirrorLagGroupTableHelper::PdLib> pdLib = heldHelper->pdLib();
+  const Vel::Ptr<IngressMirrorLagGroupTableHandles> heldHandles = heldHelper->sdkHandles();
   return std::forward<Call>(call)(*pdLib);
 }
 

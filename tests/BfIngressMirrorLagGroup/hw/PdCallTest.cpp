@@ -16,6 +16,7 @@ class PdCallTest : public testing::Test {
   void SetUp() override {
     ASSERT_NE(chipHandle, nullptr) << dlerror();
     helper->pdLibIs("libchipsim.so", chipHandle, 7);
+    helper->sdkHandlesIs();
   }
   void TearDown() override {
     helper = nullptr;
@@ -26,9 +27,10 @@ class PdCallTest : public testing::Test {
   Vel::Ptr<IngressMirrorLagGroupTableHelper> helper = ingressMirrorLagGroupTableHelperFactory(3, 2);
 };
 
-TEST_F(PdCallTest, TheCallRunsInAnExpectationOfIdOneWithHelperAndPdObjectHeld) {
+TEST_F(PdCallTest, TheCallRunsInAnExpectationOfIdOneWithHelperPdObjectAndRegistryHeld) {
   const std::uint32_t helperRefs = helper->references();
   const std::uint32_t pdRefs = helper->pdLib()->references();
+  const std::uint32_t registryRefs = helper->sdkHandles()->references();
   bool called = false;
   pdCall(helper, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry", [&](PdLib& pd) {
     called = true;
@@ -37,6 +39,7 @@ TEST_F(PdCallTest, TheCallRunsInAnExpectationOfIdOneWithHelperAndPdObjectHeld) {
     EXPECT_EQ(Vel::Expect::depth(), 1u);
     EXPECT_EQ(helper->references(), helperRefs + 1);
     EXPECT_EQ(helper->pdLib()->references(), pdRefs + 1);
+    EXPECT_EQ(helper->sdkHandles()->references(), registryRefs + 1);
     return pipe_status{0};
   });
   EXPECT_TRUE(called);
@@ -44,6 +47,7 @@ TEST_F(PdCallTest, TheCallRunsInAnExpectationOfIdOneWithHelperAndPdObjectHeld) {
   EXPECT_EQ(Vel::Expect::depth(), 0u);
   EXPECT_EQ(helper->references(), helperRefs);
   EXPECT_EQ(helper->pdLib()->references(), pdRefs);
+  EXPECT_EQ(helper->sdkHandles()->references(), registryRefs);
 }
 
 TEST_F(PdCallTest, AFailedCallThrowsByItsStatusAndClosesTheExpectation) {
