@@ -23,7 +23,7 @@ std::string awayFromZero(std::string text) {
   while (i > 0 && text[i - 1] == '9')
     text[--i] = '0';
   if (i == 0 || text[i - 1] == '-') {
-    text.insert(i, "1");
+    text.insert(text.begin() + static_cast<std::ptrdiff_t>(i), '1');
   } else {
     ++text[i - 1];
   }
