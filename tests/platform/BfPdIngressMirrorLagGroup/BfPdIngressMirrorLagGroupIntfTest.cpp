@@ -85,10 +85,12 @@ TEST_F(BfPdIngressMirrorLagGroupIntfTest, NewHandleResolvesTheFunctionsAgain) {
   auto intf = Vel::allocate<BfPdIngressMirrorLagGroupIntf>("libchipsim.so", chipHandle, 7u);
   intf->dlHandleIs(copy.handle());
   EXPECT_EQ(intf->dlHandle(), copy.handle());
-  EXPECT_EQ(reinterpret_cast<void*>(intf->p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry.resolved()),
-            dlsym(copy.handle(), "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry"));
-  EXPECT_NE(reinterpret_cast<void*>(intf->p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry.resolved()),
-            dlsym(chipHandle, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry"));
+  EXPECT_EQ(
+      reinterpret_cast<void*>(intf->p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry.resolved()),
+      dlsym(copy.handle(), "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry"));
+  EXPECT_NE(
+      reinterpret_cast<void*>(intf->p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry.resolved()),
+      dlsym(chipHandle, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry"));
 }
 
 TEST_F(BfPdIngressMirrorLagGroupIntfTest, RefusedHandleKeepsTheOldHandleAndFunctions) {
