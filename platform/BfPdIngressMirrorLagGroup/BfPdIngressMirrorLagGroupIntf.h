@@ -40,6 +40,8 @@ class BfPdIngressMirrorLagGroupIntf : public Vel::Entity, public PdFunctionTable
     recorder_.vaultKeyManagerIs(std::move(manager));
   }
   const ShadowRecorder& recorder() const noexcept { return recorder_; }
+  // Lets a test stop the process at a given point of every recorded call.
+  void shadowProbeIs(ShadowRecorder::Probe probe) noexcept { recorder_.probeIs(probe); }
 
   // The PD functions resolved from a dynamic-load handle, recording nothing.
   static PdFunctionTable resolve(const Vel::Name& libraryName, void* dlHandle);

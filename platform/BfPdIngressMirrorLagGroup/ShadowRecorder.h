@@ -4,6 +4,7 @@
 #include <variant>
 
 #include "BfPdIngressMirrorLagGroup/ShadowCall.h"
+#include "BfPdIngressMirrorLagGroup/ShadowCallStep.h"
 #include "BfPdIngressMirrorLagGroup/ShadowStep.h"
 #include "MbbVaultKey/VaultKeyManager.h"
 #include "Pd/KestroSwitchPd.h"
@@ -36,6 +37,8 @@ namespace BfPdIngressMirrorLagGroup {
 // (unfinishedRecords()) and leaves the intent for reconciliation.
 class ShadowRecorder {
  public:
+  using Probe = void (*)(ShadowCallStep);
+
   const Vel::Ptr<MbbVaultKey::VaultKeyManager>& vaultKeyManager() const noexcept {
     return vaultKeyManager_;
   }
@@ -47,12 +50,16 @@ class ShadowRecorder {
     return vaultKeyManager_ != nullptr && vaultKeyManager_->hasShadowTables();
   }
   std::uint64_t unfinishedRecords() const noexcept { return unfinishedRecords_; }
+  // Lets a test stop the process at a given point of every recorded call.
+  void probeIs(Probe probe) noexcept { probe_ = probe; }
 
   // Makes the PD call fn(args...) that `call` describes, recording it.
   template <class Fn, class... Args>
   pipe_status call(const ShadowCall& call, Fn fn, Args... args) {
     Step step = begin(call);
+    probe(ShadowCallStep::intentWritten);
     pipe_status status = fn(args...);
+    probe(ShadowCallStep::chipCalled);
     finish(step, status == 0);
     return status;
   }
@@ -65,6 +72,11 @@ class ShadowRecorder {
   using Step = std::variant<std::monostate, ShadowStep<EntryConfig>, ShadowStep<AdtEntryConfig>,
                             ShadowStep<SelGrpEntryConfig>>;
 
+  void probe(ShadowCallStep step) const {
+    if (probe_ != nullptr) {
+      probe_(step);
+    }
+  }
   Step begin(const ShadowCall& call);
   void finish(const Step& step, bool succeeded) noexcept;
 
@@ -83,6 +95,7 @@ class ShadowRecorder {
 
   Vel::Ptr<MbbVaultKey::VaultKeyManager> vaultKeyManager_;
   std::uint64_t unfinishedRecords_ = 0;
+  Probe probe_ = nullptr;
 };
 
 }  // namespace BfPdIngressMirrorLagGroup

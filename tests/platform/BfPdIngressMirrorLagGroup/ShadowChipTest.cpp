@@ -1,6 +1,14 @@
 #include "ShadowChipTest.h"
 
 #include <dlfcn.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <set>
+
+#include "ChipContents.h"
 
 #include "Vel/Allocate.h"
 #include "support/ShadowWalk.h"
@@ -33,6 +41,9 @@ void ShadowChipTest::TearDown() {
   const char* fault = chipsim().check();
   EXPECT_EQ(fault ? std::string(fault) : "", "");
   chipsim().attach(nullptr);
+  if (!chipName.empty()) {
+    chipsim().unlink(chipName.c_str());
+  }
   if (chipHandle != nullptr) {
     dlclose(chipHandle);
   }
@@ -119,6 +130,78 @@ std::vector<SelGrpEntryConfig> ShadowChipTest::groupRecords() const {
 std::size_t ShadowChipTest::intents() const {
   return manager->entryShadow()->intents().size() + manager->memberShadow()->intents().size() +
          manager->groupShadow()->intents().size();
+}
+
+void ShadowChipTest::useNamedChip() {
+  chipName = base.str() + "-chip";
+  chipsim().unlink(chipName.c_str());
+  ASSERT_EQ(chipsim().attach(chipName.c_str()), 0);
+}
+
+int ShadowChipTest::inChild(const std::function<int()>& body) {
+  pid_t child = fork();
+  if (child == 0) {
+    _exit(body());
+  }
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0) {
+    if (errno != EINTR) {
+      return -1000;
+    }
+  }
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+std::size_t ShadowChipTest::expectRecordsMatchChip(const VaultKeyManager& keys) const {
+  const ChipContents chip = ChipContents::read();
+  EXPECT_TRUE(keys.entryShadow()->intents().empty());
+  EXPECT_TRUE(keys.memberShadow()->intents().empty());
+  EXPECT_TRUE(keys.groupShadow()->intents().empty());
+  std::set<std::uint32_t> recorded;
+  bool defaultRecorded = false;
+  for (const EntryConfig& record : keys.entryShadow()->records()) {
+    if (shadowOpOf(record.opId()) == ShadowOp::defaultEntrySet) {
+      EXPECT_EQ(chip.defaultEntry, record.entryHandle()) << "default entry record";
+      defaultRecorded = true;
+      continue;
+    }
+    auto entry = chip.entries.find(record.entryHandle());
+    if (entry == chip.entries.end()) {
+      ADD_FAILURE() << "record of entry " << record.entryHandle() << " names no entry";
+    } else {
+      EXPECT_EQ(entry->second, record.ingMirrorMdMirrorSession())
+          << "record of entry " << record.entryHandle();
+    }
+    recorded.insert(record.entryHandle());
+  }
+  for (const auto& [handle, session] : chip.entries) {
+    EXPECT_TRUE(recorded.count(handle))
+        << "entry " << handle << " (mirror session " << session << ") has no record";
+  }
+  EXPECT_EQ(chip.defaultEntry.has_value(), defaultRecorded) << "default entry";
+  std::size_t unrecorded = chip.members.size() + chip.groups.size();
+  for (const AdtEntryConfig& record : keys.memberShadow()->records()) {
+    EXPECT_TRUE(chip.members.count(record.memberHandle()))
+        << "record of member " << record.memberHandle() << " names no member";
+    unrecorded -= chip.members.count(record.memberHandle());
+  }
+  for (const SelGrpEntryConfig& record : keys.groupShadow()->records()) {
+    EXPECT_TRUE(chip.groups.count(record.groupHandle()))
+        << "record of group " << record.groupHandle() << " names no group";
+    unrecorded -= chip.groups.count(record.groupHandle());
+  }
+  return unrecorded;
+}
+
+std::size_t ShadowChipTest::chipObjects() {
+  const ChipContents chip = ChipContents::read();
+  return chip.entries.size() + chip.members.size() + chip.groups.size() +
+         (chip.defaultEntry ? 1 : 0);
+}
+
+std::size_t ShadowChipTest::recordCount(const VaultKeyManager& keys) {
+  return keys.entryShadow()->records().size() + keys.memberShadow()->records().size() +
+         keys.groupShadow()->records().size();
 }
 
 std::string ShadowChipTest::lastLine() {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,22 @@ class ShadowChipTest : public testing::Test {
   // Intents left in any table.
   std::size_t intents() const;
 
+  // Moves the process to a named chip of this test, removed at the end, so
+  // that child processes share it.
+  void useNamedChip();
+  // Runs `body` in a child process; gives minus the signal that ended it, or
+  // its exit status.
+  static int inChild(const std::function<int()>& body);
+
+  // Checks that the records of `keys` and the objects in the chip agree: no
+  // intent is left, every record names an object in the chip (an entry with
+  // its mirror session), every match entry and a set default entry have a
+  // record. Gives the members and groups in the chip without a record.
+  std::size_t expectRecordsMatchChip(const VaultKeyManager& keys) const;
+  // Objects in the chip (a set default entry counted), records in the tables.
+  static std::size_t chipObjects();
+  static std::size_t recordCount(const VaultKeyManager& keys);
+
   static std::string lastLine();
   static std::int64_t calls(const std::string& function);
 
@@ -70,6 +87,7 @@ class ShadowChipTest : public testing::Test {
   ScratchShadowBase base{"pd"};
   MbbVaultKey::ShadowCapacity capacity{8, 8, 4};
   void* chipHandle = nullptr;
+  std::string chipName;
   Vel::Ptr<VaultKeyManager> manager;
   Vel::Ptr<PdIntf> pd;
 };
