@@ -44,7 +44,7 @@ using ValueTextTestSupport::memberOrGroupHead;
 using ValueTextTestSupport::newMatchSpec;
 
 constexpr std::uint32_t defaultSeed = 20240917;
-constexpr int textsPerSeedText = 600;
+constexpr int textsPerSeedText = 300;
 // Longest piece of a failing text quoted in a report; the seed replays all of it.
 constexpr std::size_t maxQuoted = 400;
 
@@ -108,7 +108,7 @@ class TextMutator {
       return;
     const std::size_t last = text.find_first_not_of("0123456789", first);
     const std::size_t length = (last == Vel::String::npos ? text.size() : last) - first;
-    const std::size_t digits = 10 + below(2000);
+    const std::size_t digits = 10 + below(500);
     Vel::String number;
     switch (below(3)) {
       case 0:
@@ -184,11 +184,10 @@ class ValueTextMutationTest : public ValueTextTestSupport::MatchSpecLeakCheck {
     for (std::uint16_t session : {0, 12, 0xFFFF})
       specs_.push_back(newMatchSpec(session));
     action_ = Vel::allocate<SetLagMemberSelectorActionProfileSpec>();
-    for (const MemberOrGroup& value :
-         std::vector<MemberOrGroup>{{}, {5, true}, {5, false}, {4294967295u, true}}) {
-      seedTexts_.push_back(valueToStrep(value));
-      for (const auto& spec : specs_)
-        seedTexts_.push_back(valueToStrep(Entry(spec, value)));
+    const std::vector<MemberOrGroup> values{{}, {5, true}, {5, false}, {4294967295u, true}};
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      seedTexts_.push_back(valueToStrep(values[i]));
+      seedTexts_.push_back(valueToStrep(Entry(specs_[i % specs_.size()], values[i])));
     }
     seedTexts_.push_back(valueToStrep(Entry()));
     // An entry naming an object of another type, and one naming a dead spec.
@@ -414,7 +413,7 @@ TEST_F(ValueTextMutationTest, SeedTextsAreReadWhole) {
     readWithEveryReader(seedTexts_[i]);
   }
   // Every entry text but the two that name no live match spec.
-  EXPECT_EQ(entries, 4u * specs_.size() + 1u);
+  EXPECT_EQ(entries, 5u);
 }
 
 TEST_F(ValueTextMutationTest, DamagedTextsAreReadConsistentlyOrRefused) {
