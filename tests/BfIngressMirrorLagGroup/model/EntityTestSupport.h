@@ -115,23 +115,19 @@ class EntityTest : public ::testing::Test {
   void TearDown() override {
     EXPECT_EQ(Vel::ActivityManager::instance().pending(), 0u);
     Vel::ActivityManager::instance().deleteAll();
-    expectNoneAlive<Profile>();
-    expectNoneAlive<Entry>();
-    expectNoneAlive<Profile::EntryMap::Slot>();
-    expectNoneAlive<Group>();
-    expectNoneAlive<Member>();
-    expectNoneAlive<Spec>();
-    expectNoneAlive<ProfileRecorder>();
-    expectNoneAlive<MutatingProfileRecorder>();
-    expectNoneAlive<EntryRecorder>();
-    expectNoneAlive<GroupRecorder>();
-    expectNoneAlive<MemberRecorder>();
+    expectNothingAlive();
+  }
+
+  // Every object made through the framework's allocation in the test is gone:
+  // entities, slots, specs and notifiees alike.
+  static void expectNothingAlive() {
+    for (const Vel::AllocTrackTypeInfo* record : Vel::AllocTrackTypeInfo::all())
+      EXPECT_EQ(record->liveObjects(), 0u) << record->typeName();
   }
 
   template <class T>
-  static void expectNoneAlive() {
-    EXPECT_EQ(Vel::AllocTrackTypeInfo::of<T>().liveObjects(), 0u)
-        << Vel::AllocTrackTypeInfo::of<T>().typeName();
+  static std::size_t alive() {
+    return Vel::AllocTrackTypeInfo::of<T>().liveObjects();
   }
 
   // A recorder of type R that follows and is registered with `notifier`.

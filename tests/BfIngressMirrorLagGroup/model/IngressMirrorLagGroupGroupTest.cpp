@@ -116,7 +116,7 @@ TEST_F(IngressMirrorLagGroupGroupTest, MemberDelAllRemovesAndAnnouncesEveryMembe
   std::sort(expected.begin(), expected.end());
   EXPECT_EQ(sortedFrom(0), expected);
   EXPECT_EQ(group->members(), 0u);
-  EXPECT_EQ(Vel::AllocTrackTypeInfo::of<Member>().liveObjects(), 0u);
+  EXPECT_EQ(alive<Member>(), 0u);
 }
 
 TEST_F(IngressMirrorLagGroupGroupTest, MemberDelAllOfAnEmptyGroupNotifiesNothing) {
@@ -148,8 +148,8 @@ TEST_F(IngressMirrorLagGroupGroupTest, DestroyingAGroupWithNMembersNotifiesOnMem
     group->memberIs(id);
   const Vel::Ptr<GroupRecorder> a = listedRecorder<GroupRecorder>("a", *group);
   group = nullptr;
-  EXPECT_EQ(Vel::AllocTrackTypeInfo::of<Group>().liveObjects(), 0u);
-  EXPECT_EQ(Vel::AllocTrackTypeInfo::of<Member>().liveObjects(), 0u);
+  EXPECT_EQ(alive<Group>(), 0u);
+  EXPECT_EQ(alive<Member>(), 0u);
   ASSERT_EQ(log.size(), 5u);
   EXPECT_EQ(log[0], "a.onZeroReferences()");
   EXPECT_EQ(sortedFrom(1),
