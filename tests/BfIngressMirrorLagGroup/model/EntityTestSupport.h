@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <string>
 #include <utility>
@@ -155,14 +154,6 @@ class EntityTest : public ::testing::Test {
 
   static Vel::Ptr<Entry> entry(std::uint32_t memberId, std::uint16_t selector = 1) {
     return Vel::allocate<Entry>(BfnTable::BfnMemberId(memberId), spec(selector));
-  }
-
-  // The log's lines from `first` on, sorted: for callbacks whose order is the
-  // collection's.
-  Log sortedFrom(std::size_t first) const {
-    Log lines(log.begin() + static_cast<std::ptrdiff_t>(first), log.end());
-    std::sort(lines.begin(), lines.end());
-    return lines;
   }
 
   Log log;
