@@ -650,6 +650,22 @@ TEST_F(IngressMirrorLagGroupActionProfileTest, MutatingNotifieeFollowsOnlyAProfi
   EXPECT_TRUE(log.empty());
 }
 
+// An observer of the profile as a mere entity, or a notifiee of another entity
+// type put in the profile's list, is passed by; the profile's notifiees are
+// still called.
+TEST_F(IngressMirrorLagGroupActionProfileTest, NotifieesOfOtherInterfacesArePassedBy) {
+  const Vel::Ptr<ProfileRecorder> a = profileRecorder("a");
+  const Vel::Ptr<Vel::Entity::NotifieeConst> general = Vel::allocate<Vel::Entity::NotifieeConst>();
+  general->notifierIs(profile);
+  general->isRegisteredNotifieeIs(true);
+  const Vel::Ptr<GroupRecorder> stranger = listedRecorder<GroupRecorder>("stranger", *profile);
+  const Vel::Ptr<ProfileRecorder> b = profileRecorder("b");
+  profile->groupIs(5, 8, 1, setLag);
+  profile->entryIs(entry(7));
+  EXPECT_EQ(log, (Log{"a.onGroup(5)", "b.onGroup(5)", "a.onEntry(7)", "b.onEntry(7)"}));
+  profile->notifieeList()->deleteMember(stranger.get());
+}
+
 TEST_F(IngressMirrorLagGroupActionProfileTest, NotifyWithoutNotifieesDoesNothing) {
   const Vel::Ptr<ProfileRecorder> idle = Vel::allocate<ProfileRecorder>("idle", &log);
   idle->deferredNotificationIs(true);
