@@ -690,6 +690,27 @@ TEST_F(IngressMirrorLagGroupActionProfileTest, WorksTheSameWithThreadSafeReferen
   EXPECT_EQ(log, (Log{"a.onEntry(7)", "a.onGroup(5)", "a.onEntry(7)", "a.onGroup(5)"}));
 }
 
+TEST_F(IngressMirrorLagGroupActionProfileTest, RegistrationMadeBeforeTheNotifierIsAppliedWithIt) {
+  const Vel::Ptr<ProfileRecorder> a = Vel::allocate<ProfileRecorder>("a", &log);
+  a->isRegisteredNotifieeIs(true);
+  EXPECT_TRUE(a->isRegisteredNotifiee());
+  EXPECT_TRUE(profile->notifieeList()->empty());
+  a->notifierIs(profile);
+  EXPECT_TRUE(profile->notifieeList()->isMember(a.get()));
+  profile->groupIs(5, 8, 1, setLag);
+  EXPECT_EQ(log, Log{"a.onGroup(5)"});
+}
+
+TEST_F(IngressMirrorLagGroupActionProfileTest, NotifieeWithNotificationOffIsPassedBy) {
+  const Vel::Ptr<ProfileRecorder> a = profileRecorder("a");
+  const Vel::Ptr<ProfileRecorder> b = profileRecorder("b");
+  a->hasNotificationActiveIs(false);
+  profile->entryIs(entry(7));
+  a->hasNotificationActiveIs(true);
+  profile->entryDel(7);
+  EXPECT_EQ(log, (Log{"b.onEntry(7)", "a.onEntry(7)", "b.onEntry(7)"}));
+}
+
 TEST_F(IngressMirrorLagGroupActionProfileTest, UnregisteredNotifieeIsNotCalled) {
   const Vel::Ptr<ProfileRecorder> a = profileRecorder("a");
   a->isRegisteredNotifieeIs(false);
