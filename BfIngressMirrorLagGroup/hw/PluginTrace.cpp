@@ -1,0 +1,10 @@
+#include "BfIngressMirrorLagGroup/hw/PluginTrace.h"
+
+namespace BfIngressMirrorLagGroup {
+
+const Vel::TraceHandle& pluginTrace() {
+  static const Vel::TraceHandle handle("BfIngressMirrorLagGroup");
+  return handle;
+}
+
+}  // namespace BfIngressMirrorLagGroup

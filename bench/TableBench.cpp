@@ -1,0 +1,202 @@
+// What the match table adds to the chip's own cost: one match entry added and
+// deleted with the raw PD functions of the chip model, against the same entry
+// written with entryIs and removed with entryDel through the table, in tables
+// already holding 1, 4096 and 65535 other entries (the mirror session is a
+// 16-bit key, so 65535 others and the measured one fill the key space), with
+// the plug-in's tracing off and on (level 9, into a sink that drops records).
+// A summary of table time over raw time per table size ends the run.
+
+#include <benchmark/benchmark.h>
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
+#include "BfIngressMirrorLagGroup/hw/PluginTrace.h"
+#include "Vel/Allocate.h"
+#include "Vel/TraceSink.h"
+#include "chipsim/chipsim.h"
+
+namespace {
+
+using BfIngressMirrorLagGroup::IngressMirrorLagGroupMatchSpec;
+using BfIngressMirrorLagGroup::IngressMirrorLagGroupTable;
+using BfIngressMirrorLagGroup::IngressMirrorLagGroupTableEntry;
+using PdMatchSpec = p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t;
+
+constexpr std::uint8_t kDevice = 0;
+constexpr std::uint16_t kPipe = 0xFFFF;
+constexpr p4_pd_device_target_t kTarget{kDevice, kPipe};
+constexpr std::uint32_t kSession = 1;
+constexpr std::uint32_t kMemberId = 1;
+// The measured entry's key; the table's other entries take the keys after it.
+constexpr std::uint16_t kMeasuredKey = 0;
+
+template <class F>
+F resolve(void* handle, const char* name) {
+  void* symbol = dlsym(handle, name);
+  if (symbol == nullptr) {
+    std::fprintf(stderr, "%s has no %s\n", CHIPSIM_LIBRARY, name);
+    std::abort();
+  }
+  return reinterpret_cast<F>(symbol);
+}
+
+// The chip model's library, loaded as a host loads a PD library, with the few
+// functions that the benchmark calls itself. Its chips hold 65536 entries.
+struct Chip {
+  Chip() {
+    if (handle == nullptr) {
+      std::fprintf(stderr, "cannot load %s: %s\n", CHIPSIM_LIBRARY, dlerror());
+      std::abort();
+    }
+    configDefault = resolve<decltype(configDefault)>(handle, "chipsim_config_default");
+    configure = resolve<decltype(configure)>(handle, "chipsim_configure");
+    reset = resolve<decltype(reset)>(handle, "chipsim_reset");
+    entries = resolve<decltype(entries)>(handle, "chipsim_entries");
+    addEntry =
+        resolve<decltype(addEntry)>(handle, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry");
+    tableDelete = resolve<decltype(tableDelete)>(
+        handle, "p4_pd_kestro_switch_ingressMirrorLagGroup_table_delete");
+    addMember = resolve<decltype(addMember)>(
+        handle,
+        "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector");
+    chipsim_config config{};
+    configDefault(&config);
+    config.entries = 65536;
+    configure(&config);
+  }
+
+  void* handle = dlopen(CHIPSIM_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  decltype(&chipsim_config_default) configDefault;
+  decltype(&chipsim_configure) configure;
+  decltype(&chipsim_reset) reset;
+  decltype(&chipsim_entries) entries;
+  p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_fn addEntry;
+  p4_pd_kestro_switch_ingressMirrorLagGroup_table_delete_fn tableDelete;
+  p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector_fn addMember;
+};
+
+Chip& chip() {
+  static Chip* instance = new Chip;  // kept loaded for the whole run
+  return *instance;
+}
+
+// Takes trace records and drops them, so that tracing itself is measured.
+class DiscardingSink : public Vel::TraceSink {
+ public:
+  void write(const Vel::TraceRecord& record) override { benchmark::DoNotOptimize(&record); }
+};
+
+// A fresh chip holding one member, and a table on it whose registry knows the
+// member; `others` entries are programmed through the table before measuring.
+struct Setup {
+  explicit Setup(std::int64_t others) {
+    chip().reset();
+    const p4_pd_kestro_switch_setLagMemberSelector_action_spec_t action{500};
+    chip().addMember(kSession, kTarget, &action, &memberHandle);
+    auto helper = BfIngressMirrorLagGroup::ingressMirrorLagGroupTableHelperFactory(kDevice, kPipe);
+    helper->pdLibIs(CHIPSIM_LIBRARY, chip().handle, kSession);
+    helper->sdkHandlesIs()->memberIs(kMemberId, memberHandle);
+    table = Vel::allocate<IngressMirrorLagGroupTable>(helper, nullptr, nullptr);
+    for (std::int64_t i = 0; i < others; ++i) {
+      auto match = Vel::allocate<IngressMirrorLagGroupMatchSpec>();
+      match->ingMirrorMdMirrorSessionIs(static_cast<std::uint16_t>(kMeasuredKey + 1 + i));
+      table->entryIs(IngressMirrorLagGroupTableEntry(match, {kMemberId, true}));
+      others_.push_back(match);
+    }
+  }
+
+  std::uint32_t memberHandle = 0;
+  Vel::Ptr<IngressMirrorLagGroupTable> table;
+
+ private:
+  std::vector<Vel::Ptr<const IngressMirrorLagGroupMatchSpec>> others_;
+};
+
+void rawPdAddDelete(benchmark::State& state) {
+  Setup setup(state.range(0));
+  const PdMatchSpec spec{kMeasuredKey};
+  for (auto _ : state) {
+    std::uint32_t entry = 0;
+    if (chip().addEntry(kSession, kTarget, &spec, setup.memberHandle, &entry) != 0 ||
+        chip().tableDelete(kSession, kDevice, entry) != 0) {
+      state.SkipWithError("raw PD call failed");
+      break;
+    }
+  }
+  state.counters["entries"] = static_cast<double>(chip().entries());
+}
+
+void tableEntryIsEntryDel(benchmark::State& state) {
+  Setup setup(state.range(0));
+  const bool tracing = state.range(1) != 0;
+  DiscardingSink sink;
+  if (tracing) {
+    Vel::TraceSink::sinkIs(&sink);
+    BfIngressMirrorLagGroup::pluginTrace().levelIs(Vel::TraceHandle::maxLevel);
+  }
+  auto match = Vel::allocate<IngressMirrorLagGroupMatchSpec>();
+  match->ingMirrorMdMirrorSessionIs(kMeasuredKey);
+  const IngressMirrorLagGroupTableEntry entry(match, {kMemberId, true});
+  Vel::Ptr<const IngressMirrorLagGroupMatchSpec> key = match;
+  for (auto _ : state) {
+    setup.table->entryIs(entry);
+    benchmark::DoNotOptimize(setup.table->entryDel(key));
+  }
+  BfIngressMirrorLagGroup::pluginTrace().levelIs(Vel::TraceHandle::off);
+  Vel::TraceSink::sinkIs(nullptr);
+  state.counters["entries"] = static_cast<double>(chip().entries());
+}
+
+BENCHMARK(rawPdAddDelete)->ArgName("others")->Arg(1)->Arg(4096)->Arg(65535);
+BENCHMARK(tableEntryIsEntryDel)
+    ->ArgNames({"others", "trace"})
+    ->ArgsProduct({{1, 4096, 65535}, {0, 1}});
+
+// The console report, followed by the time of each table run over the raw run
+// of the same table size.
+class RatioReporter : public benchmark::ConsoleReporter {
+ public:
+  void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs) {
+      if (run.run_type == Run::RT_Iteration && !run.error_occurred)
+        times_[run.benchmark_name()] = run.GetAdjustedRealTime();
+    }
+  }
+
+  void Finalize() override {
+    ConsoleReporter::Finalize();
+    std::printf(
+        "\ntable entryIs+entryDel over raw PD add+delete (target: at most 1.5 with trace off)\n");
+    for (const char* others : {"1", "4096", "65535"}) {
+      const double raw = times_["rawPdAddDelete/others:" + std::string(others)];
+      for (const char* trace : {"0", "1"}) {
+        const double table =
+            times_["tableEntryIsEntryDel/others:" + std::string(others) + "/trace:" + trace];
+        std::printf("  others=%-6s trace=%s  raw %8.1f ns  table %8.1f ns  ratio %.2f\n", others,
+                    trace[0] == '1' ? "on " : "off", raw, table, raw > 0 ? table / raw : 0.0);
+      }
+    }
+  }
+
+ private:
+  std::map<std::string, double> times_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    return 1;
+  RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  benchmark::Shutdown();
+  return 0;
+}
