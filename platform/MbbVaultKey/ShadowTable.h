@@ -38,7 +38,9 @@ class ShadowTable {
   ShadowTable(const std::string& name, std::uint32_t capacity)
       : table_(Vel::allocate<Vault::VaultTable<R>>(name, capacity)),
         config_(Vel::allocate<Vault::ReadOnlyVaultTable<R>>(name)) {
-    damagedFreed_ = table_->cleanup();
+    if (table_->writer().damagedSlotCount() != 0) {
+      damagedFreed_ = table_->cleanup();
+    }
     load();
   }
 
