@@ -53,6 +53,8 @@ class IngressMirrorLagGroupActionProfile : public Vel::Entity {
   // Walks the entries (key() and value() of each); entries may be removed meanwhile.
   EntryMap::Iterator entryIterator() { return entries_.iterator(); }
   EntryMap::IteratorConst entryIteratorConst() const { return entries_.iteratorConst(); }
+  // The entry collection itself, for readers of its bookkeeping (buckets, size).
+  const EntryMap& entryCollection() const noexcept { return entries_; }
 
   // Holds `entry` under its member id, in place of any other entry of that id,
   // and tells the notifiees (onEntry); the entry already held changes nothing.
@@ -71,6 +73,8 @@ class IngressMirrorLagGroupActionProfile : public Vel::Entity {
   // Walks the groups in the collection's order; groups may be removed meanwhile.
   GroupMap::Iterator groupIterator() { return groups_.iterator(); }
   GroupMap::IteratorConst groupIteratorConst() const { return groups_.iteratorConst(); }
+  // The group collection itself, for readers of its bookkeeping (buckets, size).
+  const GroupMap& groupCollection() const noexcept { return groups_; }
 
   // The group of this id: a new one, announced (onGroup), when there was none;
   // the existing one when it was made with the same values. Other values for an

@@ -41,9 +41,7 @@ Type IngressMirrorLagGroupActionProfileTypeInstance(const Vel::String& name) {
 
 void sequenceToValue(Vel::String::IteratorConst& pos, const Vel::String::IteratorConst& end,
                      Type* out) {
-  unsigned int value = 0;
-  record().sequenceToValue(pos, end, &value);
-  *out = static_cast<Type>(value);
+  record().sequenceToValue(pos, end, out);
 }
 
 }  // namespace BfIngressMirrorLagGroup

@@ -53,6 +53,8 @@ class IngressMirrorLagGroupGroup : public Vel::Entity,
   // Walks the members in the collection's order; members may be removed meanwhile.
   MemberMap::Iterator memberIterator() { return members_.iterator(); }
   MemberMap::IteratorConst memberIteratorConst() const { return members_.iteratorConst(); }
+  // The member collection itself, for readers of its bookkeeping (buckets, size).
+  const MemberMap& memberCollection() const noexcept { return members_; }
 
   // The member with this id; a new one (active) when there was none, and the
   // notifiees are told (onMember).

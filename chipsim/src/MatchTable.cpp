@@ -190,4 +190,17 @@ Status MatchTable::read(int32_t deviceId, uint32_t handle, MatchSpec* match, uin
   return kSuccess;
 }
 
+Status MatchTable::lookup(p4_pd_device_target_t target, const MatchSpec* match,
+                          uint32_t* handle) const noexcept {
+  if (!header_.acceptsTarget(target) || match == nullptr || handle == nullptr) {
+    return kInvalidArgument;
+  }
+  const EntryRecord* entry = covering(target.pipe_id, match->ingMirrorMdMirrorSession);
+  if (entry == nullptr) {
+    return kNotFound;
+  }
+  *handle = entry->handle;
+  return kSuccess;
+}
+
 }  // namespace chipsim

@@ -37,6 +37,9 @@ class MatchTable {
   Status setProperty(int32_t deviceId, uint32_t property, uint32_t value) noexcept;
   Status read(int32_t deviceId, uint32_t handle, MatchSpec* match, uint32_t* action,
               bool* isGroup) const noexcept;
+  // The handle of the entry with the match's key that covers the target's pipe.
+  Status lookup(p4_pd_device_target_t target, const MatchSpec* match,
+                uint32_t* handle) const noexcept;
 
   // The entry with `key` whose scope overlaps that of `pipe`, or nullptr: the
   // entry a packet coming in on `pipe` matches, or the one a new entry for

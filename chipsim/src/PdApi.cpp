@@ -149,6 +149,17 @@ pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry(
       });
 }
 
+pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_to_entry_hdl(
+    p4_pd_session_handle_t sess_hdl, p4_pd_device_target_t dev_tgt, const MatchSpec* match_spec,
+    p4_pd_entry_handle_t* entry_hdl) {
+  return PdCall(PdFunction::matchSpecToEntryHdl)
+      .session(sess_hdl)
+      .target(dev_tgt)
+      .matchSpec(match_spec)
+      .handleOut("entry", entry_hdl)
+      .run([&](Chip& chip) { return chip.table().lookup(dev_tgt, match_spec, entry_hdl); });
+}
+
 pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector(
     p4_pd_session_handle_t sess_hdl, p4_pd_device_target_t dev_tgt, const ActionSpec* action_spec,
     p4_pd_member_handle_t* mbr_hdl) {

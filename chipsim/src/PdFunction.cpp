@@ -18,6 +18,7 @@ constexpr std::array<const char*, kPdFunctionCount> kNames = {
     "p4_pd_kestro_switch_ingressMirrorLagGroup_table_reset_default_entry",
     "p4_pd_kestro_switch_ingressMirrorLagGroup_set_property",
     "p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry",
+    "p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_to_entry_hdl",
     "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector",
     "p4_pd_kestro_switch_mirrorLagPortActionProfile_modify_member_with_setLagMemberSelector",
     "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member",

@@ -18,6 +18,7 @@ enum class PdFunction : unsigned {
   tableResetDefaultEntry,
   setProperty,
   getEntry,
+  matchSpecToEntryHdl,
   addMember,
   modifyMember,
   delMember,
@@ -28,7 +29,7 @@ enum class PdFunction : unsigned {
   groupMemberStateSet,
 };
 
-inline constexpr std::size_t kPdFunctionCount = 18;
+inline constexpr std::size_t kPdFunctionCount = 19;
 
 // The exported C name of a PD function.
 const char* pdFunctionName(PdFunction function) noexcept;

@@ -26,17 +26,22 @@ BfPdIngressMirrorLagGroupIntf::BfPdIngressMirrorLagGroupIntf(Vel::Name name, voi
     : Vel::Entity(std::move(name)),
       PdFunctionTable(resolve(Vel::Entity::name(), dlHandle)),
       dlHandle_(dlHandle),
-      sessionId_(sessionId) {}
+      sessionId_(sessionId) {
+  recorderIs(&recorder_);
+}
 
 void BfPdIngressMirrorLagGroupIntf::dlHandleIs(void* dlHandle) {
-  static_cast<PdFunctionTable&>(*this) = resolve(name(), dlHandle);
+  PdFunctionTable resolved = resolve(name(), dlHandle);
+  resolved.recorderIs(&recorder_);
+  static_cast<PdFunctionTable&>(*this) = resolved;
   dlHandle_ = dlHandle;
 }
 
 PdFunctionTable BfPdIngressMirrorLagGroupIntf::resolve(const Vel::Name& libraryName,
                                                        void* dlHandle) {
   PdFunctionTable table;
-#define BF_PD_RESOLVE(fn) table.fn = resolveOne<fn##_fn>(libraryName, dlHandle, #fn);
+#define BF_PD_RESOLVE(fn) \
+  table.fn = decltype(table.fn)(resolveOne<fn##_fn>(libraryName, dlHandle, #fn));
   BF_PD_INGRESS_MIRROR_LAG_GROUP_FUNCTIONS(BF_PD_RESOLVE)
 #undef BF_PD_RESOLVE
   return table;

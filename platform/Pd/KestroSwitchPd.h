@@ -124,6 +124,17 @@ P4_PD_FUNCTION(p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry, p4_pd_sessio
                p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t* match_spec,
                uint32_t* member_or_group_hdl, bool* is_group);
 
+/*
+ * Finds the match entry with the match spec's key whose pipe scope covers the
+ * target's pipe: the entry an add of that key for that target would clash
+ * with. Gives its handle; 6 when there is none. The default entry is never
+ * found this way.
+ */
+P4_PD_FUNCTION(p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_to_entry_hdl,
+               p4_pd_session_handle_t sess_hdl, p4_pd_device_target_t dev_tgt,
+               const p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t* match_spec,
+               p4_pd_entry_handle_t* entry_hdl);
+
 /* Adds an action-profile member carrying a LAG member selector. */
 P4_PD_FUNCTION(p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector,
                p4_pd_session_handle_t sess_hdl, p4_pd_device_target_t dev_tgt,

@@ -51,6 +51,10 @@ class TableWriter {
   std::uint32_t validate() const;
   // Frees every damaged slot; returns how many.
   std::uint32_t cleanup();
+  // Slots found damaged when attaching (or at the last cleanup), not yet freed.
+  std::uint32_t damagedSlotCount() const noexcept {
+    return static_cast<std::uint32_t>(damagedSlots_.size());
+  }
 
   // Lets a test stop the writer at a given point of every write.
   void writeProbeIs(WriteProbe probe) noexcept { probe_ = probe; }

@@ -47,9 +47,11 @@ class Entity : public PtrInterface {
   void zeroReferencesIs(bool zero) override;
 
  protected:
-  // Notifies one attribute: calls `call(notifiee)` on every active notifiee,
-  // each seen as a Notifiee, at once and in list order (the keyed callback),
-  // then queues the deferred key-less form for the notifiees that want it.
+  // Notifies one attribute: calls `call(notifiee)` on every active notifiee
+  // that is a Notifiee, at once and in list order (the keyed callback), then
+  // queues the deferred key-less form for the notifiees that want it. A
+  // notifiee that follows the entity through a more general interface has no
+  // keyed callbacks and is passed by.
   // While a bulk change of the attribute is open the keyed callbacks are held
   // back; the bulk change delivers the immediate key-less form when it closes.
   template <class Notifiee, class Call>
@@ -59,7 +61,8 @@ class Entity : public PtrInterface {
     const Ptr<const Entity> keepAlive = selfWhileCounted();
     if (!BulkChange::changeIsHeld(*this, attributeNumber)) {
       notifiees_.doVisit([&call](PtrInterface::NotifieeConst& notifiee) {
-        call(static_cast<Notifiee&>(notifiee));
+        if (auto* typed = dynamic_cast<Notifiee*>(&notifiee))
+          call(*typed);
       });
     }
     deferredNotificationIs(attributeNumber);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <ostream>
+#include <type_traits>
 #include <unordered_map>
 #include <vector>
 
@@ -43,6 +44,15 @@ class EnumType : public TypeRecord {
   // Reads a quoted enumerator name, or a number that is an enumerator's value,
   // and advances pos past it; on failure pos and *out are left unchanged.
   void sequenceToValue(String::IteratorConst& pos, const String::IteratorConst& end, T* out) const;
+  // The same reader for an enumeration type stored as a T, so that the type's
+  // own reader is a single call: *out is left unchanged on failure.
+  template <class E>
+  requires std::is_enum_v<E> && std::is_same_v<std::underlying_type_t<E>, T>
+  void sequenceToValue(String::IteratorConst& pos, const String::IteratorConst& end, E* out) const {
+    T value{};
+    sequenceToValue(pos, end, &value);
+    *out = static_cast<E>(value);
+  }
 
  private:
   const String* nameOf(T value) const;

@@ -5,7 +5,8 @@ namespace chipsim_test {
 namespace {
 
 constexpr std::size_t kRemembered = 64;
-constexpr uint32_t kFunctions = 18;
+constexpr uint32_t kFunctions = 19;
+constexpr uint32_t kEntryFunctions = 11;
 
 }  // namespace
 
@@ -70,7 +71,8 @@ pipe_status RandomCaller::callOne() {
     return 0;
   }
   ++pdCalls_;
-  return which < 10 ? callEntryFunction(which) : callProfileFunction(which - 10);
+  return which < kEntryFunctions ? callEntryFunction(which)
+                                 : callProfileFunction(which - kEntryFunctions);
 }
 
 pipe_status RandomCaller::callEntryFunction(uint32_t which) {
@@ -106,9 +108,11 @@ pipe_status RandomCaller::callEntryFunction(uint32_t which) {
       return pd_.tableResetDefaultEntry(1, target());
     case 8:
       return pd_.setProperty(1, device(), chance(90) ? 1 : random_(), below(3));
-    default:
+    case 9:
       return pd_.getEntry(1, device(), handle(entries_), chance(50), maybeNull(&match),
                           maybeNull(&out), maybeNull(&isGroup));
+    default:
+      return pd_.matchSpecToEntryHdl(1, target(), maybeNull(&match), maybeNull(&out));
   }
 }
 

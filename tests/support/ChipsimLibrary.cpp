@@ -49,6 +49,8 @@ ChipsimLibrary load() {
                  "p4_pd_kestro_switch_ingressMirrorLagGroup_table_reset_default_entry");
   loader.resolve(lib.setProperty, "p4_pd_kestro_switch_ingressMirrorLagGroup_set_property");
   loader.resolve(lib.getEntry, "p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry");
+  loader.resolve(lib.matchSpecToEntryHdl,
+                 "p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_to_entry_hdl");
   loader.resolve(
       lib.addMember,
       "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector");

@@ -21,6 +21,8 @@ inline const std::string kTableResetDefaultEntry =
     "p4_pd_kestro_switch_ingressMirrorLagGroup_table_reset_default_entry";
 inline const std::string kSetProperty = "p4_pd_kestro_switch_ingressMirrorLagGroup_set_property";
 inline const std::string kGetEntry = "p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry";
+inline const std::string kMatchSpecToEntryHdl =
+    "p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_to_entry_hdl";
 inline const std::string kAddMember =
     "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector";
 inline const std::string kModifyMember =
@@ -37,15 +39,24 @@ inline const std::string kGroupMemberStateSet =
     "p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set";
 
 // Every PD function of the chip.
-inline const std::vector<std::string> kPdFunctions = {
-    kAddEntry,           kAddEntryWithSelector,
-    kModifyEntry,        kModifyEntryWithSelector,
-    kSetDefaultEntry,    kSetDefaultEntryWithSelector,
-    kTableDelete,        kTableResetDefaultEntry,
-    kSetProperty,        kGetEntry,
-    kAddMember,          kModifyMember,
-    kDelMember,          kCreateGroup,
-    kDelGroup,           kAddMemberToGroup,
-    kDelMemberFromGroup, kGroupMemberStateSet};
+inline const std::vector<std::string> kPdFunctions = {kAddEntry,
+                                                      kAddEntryWithSelector,
+                                                      kModifyEntry,
+                                                      kModifyEntryWithSelector,
+                                                      kSetDefaultEntry,
+                                                      kSetDefaultEntryWithSelector,
+                                                      kTableDelete,
+                                                      kTableResetDefaultEntry,
+                                                      kSetProperty,
+                                                      kGetEntry,
+                                                      kMatchSpecToEntryHdl,
+                                                      kAddMember,
+                                                      kModifyMember,
+                                                      kDelMember,
+                                                      kCreateGroup,
+                                                      kDelGroup,
+                                                      kAddMemberToGroup,
+                                                      kDelMemberFromGroup,
+                                                      kGroupMemberStateSet};
 
 }  // namespace chipsim_test

@@ -28,8 +28,8 @@ class EntryKey {
 
   friend constexpr bool operator==(const EntryKey&, const EntryKey&) noexcept = default;
   // High words decide; low words break a tie.
-  friend constexpr std::strong_ordering operator<=>(const EntryKey&, const EntryKey&) noexcept =
-      default;
+  friend constexpr std::strong_ordering operator<=>(const EntryKey&,
+                                                    const EntryKey&) noexcept = default;
 
  private:
   std::uint32_t high_ = 0;

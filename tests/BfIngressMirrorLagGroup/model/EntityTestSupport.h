@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <functional>
 #include <string>
 #include <utility>
@@ -115,23 +114,19 @@ class EntityTest : public ::testing::Test {
   void TearDown() override {
     EXPECT_EQ(Vel::ActivityManager::instance().pending(), 0u);
     Vel::ActivityManager::instance().deleteAll();
-    expectNoneAlive<Profile>();
-    expectNoneAlive<Entry>();
-    expectNoneAlive<Profile::EntryMap::Slot>();
-    expectNoneAlive<Group>();
-    expectNoneAlive<Member>();
-    expectNoneAlive<Spec>();
-    expectNoneAlive<ProfileRecorder>();
-    expectNoneAlive<MutatingProfileRecorder>();
-    expectNoneAlive<EntryRecorder>();
-    expectNoneAlive<GroupRecorder>();
-    expectNoneAlive<MemberRecorder>();
+    expectNothingAlive();
+  }
+
+  // Every object made through the framework's allocation in the test is gone:
+  // entities, slots, specs and notifiees alike.
+  static void expectNothingAlive() {
+    for (const Vel::AllocTrackTypeInfo* record : Vel::AllocTrackTypeInfo::all())
+      EXPECT_EQ(record->liveObjects(), 0u) << record->typeName();
   }
 
   template <class T>
-  static void expectNoneAlive() {
-    EXPECT_EQ(Vel::AllocTrackTypeInfo::of<T>().liveObjects(), 0u)
-        << Vel::AllocTrackTypeInfo::of<T>().typeName();
+  static std::size_t alive() {
+    return Vel::AllocTrackTypeInfo::of<T>().liveObjects();
   }
 
   // A recorder of type R that follows and is registered with `notifier`.
@@ -159,14 +154,6 @@ class EntityTest : public ::testing::Test {
 
   static Vel::Ptr<Entry> entry(std::uint32_t memberId, std::uint16_t selector = 1) {
     return Vel::allocate<Entry>(BfnTable::BfnMemberId(memberId), spec(selector));
-  }
-
-  // The log's lines from `first` on, sorted: for callbacks whose order is the
-  // collection's.
-  Log sortedFrom(std::size_t first) const {
-    Log lines(log.begin() + static_cast<std::ptrdiff_t>(first), log.end());
-    std::sort(lines.begin(), lines.end());
-    return lines;
   }
 
   Log log;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
 #include "EntityTestSupport.h"
@@ -66,6 +67,50 @@ TEST_F(IngressMirrorLagGroupActionProfileEntryTest, ActionIsReachesEveryNotifiee
   const Vel::Ptr<EntryRecorder> b = entryRecorder("b");
   seven->actionIs(spec(1));
   EXPECT_EQ(log, (Log{"a.onAction()", "b.onAction()"}));
+}
+
+TEST_F(IngressMirrorLagGroupActionProfileEntryTest,
+       NotifieeUnregisteringItselfLetsTheOthersBeCalled) {
+  const Vel::Ptr<EntryRecorder> a = entryRecorder("a");
+  const Vel::Ptr<EntryRecorder> b = entryRecorder("b");
+  a->action = [&a](const std::string&) { a->isRegisteredNotifieeIs(false); };
+  seven->actionIs(spec(1));
+  seven->actionIs(spec(2));
+  EXPECT_EQ(log, (Log{"a.onAction()", "b.onAction()", "b.onAction()"}));
+}
+
+TEST_F(IngressMirrorLagGroupActionProfileEntryTest, NotifieeUnregisteredByAnotherIsNotCalled) {
+  const Vel::Ptr<EntryRecorder> a = entryRecorder("a");
+  const Vel::Ptr<EntryRecorder> b = entryRecorder("b");
+  const Vel::Ptr<EntryRecorder> c = entryRecorder("c");
+  a->action = [&b](const std::string&) { b->isRegisteredNotifieeIs(false); };
+  seven->actionIs(spec(1));
+  EXPECT_EQ(log, (Log{"a.onAction()", "c.onAction()"}));
+}
+
+TEST_F(IngressMirrorLagGroupActionProfileEntryTest, NullActionIsAnotherReference) {
+  const Vel::Ptr<EntryRecorder> a = entryRecorder("a");
+  seven->actionIs(nullptr);
+  EXPECT_EQ(seven->action(), nullptr);
+  seven->actionIs(nullptr);
+  EXPECT_EQ(log, Log{"a.onAction()"});
+}
+
+// The new spec is held, and the one it replaced released, before the
+// notifiees hear of it; a notifiee's exception leaves it so.
+TEST_F(IngressMirrorLagGroupActionProfileEntryTest,
+       ExceptionFromANotifieeReachesTheCallerWithTheActionHeld) {
+  const Vel::Ptr<EntryRecorder> a = entryRecorder("a");
+  const Vel::Ptr<Spec> next = spec(2);
+  std::size_t specsAlive = 0;
+  a->action = [&](const std::string&) {
+    specsAlive = alive<Spec>();
+    throw std::runtime_error("refused");
+  };
+  EXPECT_THROW(seven->actionIs(next), std::runtime_error);
+  EXPECT_EQ(seven->action(), next);
+  EXPECT_EQ(specsAlive, 1u);
+  EXPECT_EQ(log, Log{"a.onAction()"});
 }
 
 TEST_F(IngressMirrorLagGroupActionProfileEntryTest, BulkChangeOfActionEndsInOneOnAction) {

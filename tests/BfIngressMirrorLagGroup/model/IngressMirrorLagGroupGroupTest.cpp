@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <stdexcept>
 #include <string>
+#include <type_traits>
 
 #include "EntityTestSupport.h"
+#include "Vel/BitReverse.h"
 #include "Vel/BulkChange.h"
 #include "Vel/NotifieeList.h"
 
@@ -25,8 +28,19 @@ class IngressMirrorLagGroupGroupTest : public EntityTest {
     return recorder<GroupRecorder>(name, group);
   }
 
+  // "<prefix>(<memberId>)" for every member, in the order in which the member
+  // collection is walked.
+  Log membersInOrder(const std::string& prefix) const {
+    Log lines;
+    for (auto it = group->memberIteratorConst(); it.valid(); ++it)
+      lines.push_back(keyed(prefix.c_str(), it.key()));
+    return lines;
+  }
+
   Vel::Ptr<Group> group = Vel::allocate<Group>(5, 8, 1, setLag);
 };
+
+static_assert(std::is_same_v<Group::MemberMap, Vel::HashMap<Member, BfnTable::BfnMemberId>>);
 
 TEST_F(IngressMirrorLagGroupGroupTest, NewGroupHoldsItsValuesIsNamedAfterItsIdAndIsEmpty) {
   EXPECT_EQ(group->groupId().value(), 5u);
@@ -61,6 +75,58 @@ TEST_F(IngressMirrorLagGroupGroupTest, MemberIsCreatesAnActiveMemberUnderTheGrou
   EXPECT_EQ(seven->fullName(), "5/member/7");
   EXPECT_EQ(group->member(7), seven);
   EXPECT_EQ(group->members(), 1u);
+  EXPECT_EQ(log, Log{"a.onMember(7)"});
+}
+
+// The member collection starts with four buckets; a member's bucket is the
+// top bits of its bit-reversed id.
+TEST_F(IngressMirrorLagGroupGroupTest, MembersSitInTheBucketsOfTheirBitReversedIds) {
+  const Group::MemberMap& members = group->memberCollection();
+  EXPECT_EQ(members.buckets(), 4u);
+  for (std::uint32_t id : {3u, 1u, 2u, 0u}) {
+    group->memberIs(id);
+    EXPECT_EQ(members.bucketOf(id), Vel::bitReverse(id) >> 30) << id;
+  }
+  EXPECT_EQ(members.buckets(), 4u);
+  EXPECT_EQ(membersInOrder("m"), (Log{"m(0)", "m(2)", "m(1)", "m(3)"}));
+  group->memberIs(4);
+  EXPECT_EQ(members.buckets(), 8u);
+  for (std::uint32_t id = 0; id < 5; ++id)
+    EXPECT_EQ(members.bucketOf(id), Vel::bitReverse(id) >> 29) << id;
+  EXPECT_EQ(membersInOrder("m"), (Log{"m(0)", "m(4)", "m(2)", "m(1)", "m(3)"}));
+}
+
+// The new member is in the group, under it, when the notifiees hear of it.
+TEST_F(IngressMirrorLagGroupGroupTest, MemberIsNotifiesWithTheMemberInPlace) {
+  const Vel::Ptr<GroupRecorder> a = groupRecorder("a");
+  Log seen;
+  a->action = [&](const std::string&) {
+    const Vel::Ptr<Member> seven = group->member(7);
+    seen.push_back(seven ? std::string(seven->fullName()) : "absent");
+  };
+  group->memberIs(7);
+  EXPECT_EQ(seen, Log{"5/member/7"});
+}
+
+TEST_F(IngressMirrorLagGroupGroupTest, MemberDelNotifiesWithTheMemberOutAndOrphaned) {
+  const Vel::Ptr<Member> seven = group->memberIs(7);
+  const Vel::Ptr<GroupRecorder> a = groupRecorder("a");
+  Log seen;
+  a->action = [&](const std::string&) {
+    seen.push_back(std::string(group->member(7) ? "held " : "out ") +
+                   std::string(seven->fullName()));
+  };
+  group->memberDel(7);
+  EXPECT_EQ(seen, Log{"out 7"});
+}
+
+TEST_F(IngressMirrorLagGroupGroupTest, ExceptionFromANotifieeReachesTheCallerOfMemberIs) {
+  const Vel::Ptr<GroupRecorder> a = groupRecorder("a");
+  const Vel::Ptr<GroupRecorder> b = groupRecorder("b");
+  a->action = [](const std::string&) { throw std::runtime_error("refused"); };
+  EXPECT_THROW(group->memberIs(7), std::runtime_error);
+  ASSERT_NE(group->member(7), nullptr);
+  EXPECT_TRUE(group->member(7)->active());
   EXPECT_EQ(log, Log{"a.onMember(7)"});
 }
 
@@ -106,17 +172,15 @@ TEST_F(IngressMirrorLagGroupGroupTest, MemberDelOfAnAbsentIdIsNullAndNotifiesNot
 }
 
 TEST_F(IngressMirrorLagGroupGroupTest, MemberDelAllRemovesAndAnnouncesEveryMember) {
-  Log expected;
-  for (std::uint32_t id = 0; id < 10; ++id) {
+  for (std::uint32_t id = 0; id < 10; ++id)
     group->memberIs(id);
-    expected.push_back(keyed("a.onMember", id));
-  }
+  const Log expected = membersInOrder("a.onMember");
+  ASSERT_EQ(expected.size(), 10u);
   const Vel::Ptr<GroupRecorder> a = groupRecorder("a");
   group->memberDelAll();
-  std::sort(expected.begin(), expected.end());
-  EXPECT_EQ(sortedFrom(0), expected);
+  EXPECT_EQ(log, expected);
   EXPECT_EQ(group->members(), 0u);
-  EXPECT_EQ(Vel::AllocTrackTypeInfo::of<Member>().liveObjects(), 0u);
+  EXPECT_EQ(alive<Member>(), 0u);
 }
 
 TEST_F(IngressMirrorLagGroupGroupTest, MemberDelAllOfAnEmptyGroupNotifiesNothing) {
@@ -148,12 +212,45 @@ TEST_F(IngressMirrorLagGroupGroupTest, DestroyingAGroupWithNMembersNotifiesOnMem
     group->memberIs(id);
   const Vel::Ptr<GroupRecorder> a = listedRecorder<GroupRecorder>("a", *group);
   group = nullptr;
-  EXPECT_EQ(Vel::AllocTrackTypeInfo::of<Group>().liveObjects(), 0u);
-  EXPECT_EQ(Vel::AllocTrackTypeInfo::of<Member>().liveObjects(), 0u);
-  ASSERT_EQ(log.size(), 5u);
-  EXPECT_EQ(log[0], "a.onZeroReferences()");
-  EXPECT_EQ(sortedFrom(1),
-            (Log{"a.onMember(1)", "a.onMember(2)", "a.onMember(3)", "a.onMember(4)"}));
+  EXPECT_EQ(alive<Group>(), 0u);
+  EXPECT_EQ(alive<Member>(), 0u);
+  // Members are walked in the order of their bit-reversed ids.
+  EXPECT_EQ(log, (Log{"a.onZeroReferences()", "a.onMember(4)", "a.onMember(2)", "a.onMember(1)",
+                      "a.onMember(3)"}));
+}
+
+// Each removal is announced with the member already out of the group, the
+// members after it still in, and the notifiees still listed; the notifiees are
+// dropped before the group goes.
+TEST_F(IngressMirrorLagGroupGroupTest, DestroyingAGroupRemovesMembersThenDropsNotifiees) {
+  group->memberIs(1);
+  group->memberIs(2);
+  const Vel::Ptr<GroupRecorder> a = listedRecorder<GroupRecorder>("a", *group);
+  const Group* dying = group.get();
+  Log seen;
+  a->action = [dying, &seen](const std::string& callback) {
+    seen.push_back(callback + " members=" + std::to_string(dying->members()) +
+                   " notifiees=" + std::to_string(dying->notifieeList()->size()));
+  };
+  group = nullptr;
+  EXPECT_EQ(seen, (Log{"onZeroReferences() members=2 notifiees=1",
+                       "onMember(2) members=1 notifiees=1", "onMember(1) members=0 notifiees=1"}));
+}
+
+TEST_F(IngressMirrorLagGroupGroupTest,
+       NotifieeDroppedByAnotherDuringDestructionHearsNoMoreRemovals) {
+  for (std::uint32_t id = 1; id <= 3; ++id)
+    group->memberIs(id);
+  const Vel::Ptr<GroupRecorder> a = listedRecorder<GroupRecorder>("a", *group);
+  const Vel::Ptr<GroupRecorder> b = listedRecorder<GroupRecorder>("b", *group);
+  const Group* dying = group.get();
+  b->action = [dying, &a](const std::string& callback) {
+    if (callback == "onMember(2)")
+      dying->notifieeList()->deleteMember(a.get());
+  };
+  group = nullptr;
+  EXPECT_EQ(log, (Log{"a.onZeroReferences()", "b.onZeroReferences()", "a.onMember(2)",
+                      "b.onMember(2)", "b.onMember(1)", "b.onMember(3)"}));
 }
 
 TEST_F(IngressMirrorLagGroupGroupTest, MemberHeldElsewhereOutlivesItsGroupWithoutParent) {
@@ -179,6 +276,27 @@ TEST_F(IngressMirrorLagGroupGroupTest, NotifieeUnregisteredByAnotherIsNotCalled)
   a->action = [&b](const std::string&) { b->isRegisteredNotifieeIs(false); };
   group->memberIs(7);
   EXPECT_EQ(log, (Log{"a.onMember(7)", "c.onMember(7)"}));
+}
+
+TEST_F(IngressMirrorLagGroupGroupTest, NotifieeDestroyingItselfLetsTheOthersBeCalled) {
+  Vel::Ptr<GroupRecorder> a = groupRecorder("a");
+  const Vel::Ptr<GroupRecorder> b = groupRecorder("b");
+  a->action = [&a](const std::string&) { a = nullptr; };
+  group->memberIs(7);
+  group->memberIs(8);
+  EXPECT_EQ(log, (Log{"a.onMember(7)", "b.onMember(7)", "b.onMember(8)"}));
+  EXPECT_EQ(group->notifieeList()->size(), 1u);
+}
+
+TEST_F(IngressMirrorLagGroupGroupTest, NotifieeUnregisteringAnEarlierOneLetsTheRestBeCalled) {
+  const Vel::Ptr<GroupRecorder> a = groupRecorder("a");
+  const Vel::Ptr<GroupRecorder> b = groupRecorder("b");
+  const Vel::Ptr<GroupRecorder> c = groupRecorder("c");
+  b->action = [&a](const std::string&) { a->isRegisteredNotifieeIs(false); };
+  group->memberIs(7);
+  group->memberDel(7);
+  EXPECT_EQ(log, (Log{"a.onMember(7)", "b.onMember(7)", "c.onMember(7)", "b.onMember(7)",
+                      "c.onMember(7)"}));
 }
 
 TEST_F(IngressMirrorLagGroupGroupTest, ImmediateKeylessFormComesFromABulkChange) {

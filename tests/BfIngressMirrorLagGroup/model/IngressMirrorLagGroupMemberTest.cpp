@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
 #include "EntityTestSupport.h"
@@ -73,6 +74,48 @@ TEST_F(IngressMirrorLagGroupMemberTest, NotifieeUnregisteringItselfLetsTheOthers
   member->activeIs(false);
   member->activeIs(true);
   EXPECT_EQ(log, (Log{"a.onActive()", "b.onActive()", "b.onActive()"}));
+}
+
+TEST_F(IngressMirrorLagGroupMemberTest, NotifieeUnregisteringALaterOneLetsTheRestBeCalled) {
+  const Vel::Ptr<MemberRecorder> a = memberRecorder("a");
+  const Vel::Ptr<MemberRecorder> b = memberRecorder("b");
+  const Vel::Ptr<MemberRecorder> c = memberRecorder("c");
+  a->action = [&b](const std::string&) { b->isRegisteredNotifieeIs(false); };
+  member->activeIs(false);
+  EXPECT_EQ(log, (Log{"a.onActive()", "c.onActive()"}));
+  EXPECT_FALSE(member->notifieeList()->isMember(b.get()));
+}
+
+TEST_F(IngressMirrorLagGroupMemberTest, NotifieeDestroyedByAnotherIsNotCalled) {
+  const Vel::Ptr<MemberRecorder> a = memberRecorder("a");
+  Vel::Ptr<MemberRecorder> b = memberRecorder("b");
+  const Vel::Ptr<MemberRecorder> c = memberRecorder("c");
+  a->action = [&b](const std::string&) { b = nullptr; };
+  member->activeIs(false);
+  EXPECT_EQ(log, (Log{"a.onActive()", "c.onActive()"}));
+  EXPECT_EQ(member->notifieeList()->size(), 2u);
+}
+
+TEST_F(IngressMirrorLagGroupMemberTest, ActiveIsWithoutNotifieesStoresTheValue) {
+  member->activeIs(false);
+  EXPECT_FALSE(member->active());
+  member->activeIs(true);
+  EXPECT_TRUE(member->active());
+}
+
+// The new value is stored before the notifiees hear of it, and stays stored
+// when one of them throws.
+TEST_F(IngressMirrorLagGroupMemberTest, ExceptionFromANotifieeReachesTheCallerWithTheValueStored) {
+  const Vel::Ptr<MemberRecorder> a = memberRecorder("a");
+  bool seen = true;
+  a->action = [&](const std::string&) {
+    seen = member->active();
+    throw std::runtime_error("refused");
+  };
+  EXPECT_THROW(member->activeIs(false), std::runtime_error);
+  EXPECT_FALSE(seen);
+  EXPECT_FALSE(member->active());
+  EXPECT_EQ(log, Log{"a.onActive()"});
 }
 
 TEST_F(IngressMirrorLagGroupMemberTest, BulkChangeOfActiveEndsInOneOnActive) {

@@ -7,6 +7,7 @@
 
 #include "BfIngressMirrorLagGroup/model/SetLagMemberSelectorActionProfileSpec.h"
 #include "ValueTextTestSupport.h"
+#include "Vel/ObjectReference.h"
 #include "Vel/ParseException.h"
 #include "Vel/RangeException.h"
 #include "Vel/ValueToStrep.h"
@@ -62,7 +63,12 @@ TEST_F(IngressMirrorLagGroupTableEntryTest, EntryWithAMatchIsNeverEmpty) {
   EXPECT_FALSE(!Entry(spec_, MemberOrGroup{}));
   EXPECT_FALSE(!Entry(spec_, MemberOrGroup{0, true}));
   EXPECT_FALSE(!Entry(spec_, MemberOrGroup{7, false}));
+}
+
+TEST_F(IngressMirrorLagGroupTableEntryTest, EntryWithoutAMatchIsEmptyOnlyWhenItSelectsNothing) {
+  EXPECT_TRUE(!Entry(nullptr, MemberOrGroup{}));
   EXPECT_FALSE(!Entry(nullptr, MemberOrGroup{0, true}));
+  EXPECT_FALSE(!Entry(nullptr, MemberOrGroup{7, false}));
 }
 
 TEST_F(IngressMirrorLagGroupTableEntryTest, DistinctSpecsWithEqualSessionsCompareUnequal) {
@@ -112,6 +118,10 @@ TEST_F(IngressMirrorLagGroupTableEntryTest, TextFormParsesBackToTheVeryRenderedS
   const Entry parsed(pos, text.end());
   EXPECT_TRUE(pos == text.end());
   EXPECT_EQ(parsed.match().get(), spec_.get());
+  // The reference is the object that the framework resolves the reference id to.
+  const Vel::Ptr<const Vel::PtrInterface> resolved =
+      Vel::ObjectReference::resolve(Vel::ObjectReference::idOf(spec_.get()));
+  EXPECT_EQ(parsed.match().get(), resolved.get());
   EXPECT_TRUE(parsed == entry);
   EXPECT_TRUE(Entry::fromText(text) == entry);
 }

@@ -42,9 +42,9 @@ class BfPdIngressMirrorLagGroupIntfTest : public testing::Test {
 
 TEST_F(BfPdIngressMirrorLagGroupIntfTest, ResolvesEveryPdFunctionFromTheHandle) {
   auto intf = Vel::allocate<BfPdIngressMirrorLagGroupIntf>("libchipsim.so", chipHandle, 7u);
-#define EXPECT_RESOLVED(fn)                                     \
-  EXPECT_NE(reinterpret_cast<void*>(intf->fn), nullptr) << #fn; \
-  EXPECT_EQ(reinterpret_cast<void*>(intf->fn), dlsym(chipHandle, #fn)) << #fn;
+#define EXPECT_RESOLVED(fn)                                                \
+  EXPECT_NE(reinterpret_cast<void*>(intf->fn.resolved()), nullptr) << #fn; \
+  EXPECT_EQ(reinterpret_cast<void*>(intf->fn.resolved()), dlsym(chipHandle, #fn)) << #fn;
   BF_PD_INGRESS_MIRROR_LAG_GROUP_FUNCTIONS(EXPECT_RESOLVED)
 #undef EXPECT_RESOLVED
 }
@@ -85,10 +85,12 @@ TEST_F(BfPdIngressMirrorLagGroupIntfTest, NewHandleResolvesTheFunctionsAgain) {
   auto intf = Vel::allocate<BfPdIngressMirrorLagGroupIntf>("libchipsim.so", chipHandle, 7u);
   intf->dlHandleIs(copy.handle());
   EXPECT_EQ(intf->dlHandle(), copy.handle());
-  EXPECT_EQ(reinterpret_cast<void*>(intf->p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry),
-            dlsym(copy.handle(), "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry"));
-  EXPECT_NE(reinterpret_cast<void*>(intf->p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry),
-            dlsym(chipHandle, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry"));
+  EXPECT_EQ(
+      reinterpret_cast<void*>(intf->p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry.resolved()),
+      dlsym(copy.handle(), "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry"));
+  EXPECT_NE(
+      reinterpret_cast<void*>(intf->p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry.resolved()),
+      dlsym(chipHandle, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry"));
 }
 
 TEST_F(BfPdIngressMirrorLagGroupIntfTest, RefusedHandleKeepsTheOldHandleAndFunctions) {
@@ -97,7 +99,7 @@ TEST_F(BfPdIngressMirrorLagGroupIntfTest, RefusedHandleKeepsTheOldHandleAndFunct
   EXPECT_EQ(intf->dlHandle(), chipHandle);
   EXPECT_EQ(
       reinterpret_cast<void*>(
-          intf->p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set),
+          intf->p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set.resolved()),
       dlsym(chipHandle, "p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set"));
 }
 

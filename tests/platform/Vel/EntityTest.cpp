@@ -291,6 +291,24 @@ TEST_F(EntityTest, NotifieesInTheListAreToldWhenTheLastReferenceGoes) {
   EXPECT_EQ(log, Log{"a.onZeroReferences()"});
 }
 
+// A notifiee that follows an entity only as an entity (for its zero-reference
+// and key-less notifications) has none of the entity type's keyed callbacks:
+// keyed notifications pass it by, and the key-less forms still reach it.
+TEST_F(EntityTest, KeyedCallbacksPassByANotifieeOfTheGeneralEntityInterface) {
+  Vel::Ptr<Shelf> shelf = Vel::allocate<Shelf>("shelf");
+  Vel::Ptr<Recorder> a = recorder("a", shelf);
+  Vel::Ptr<Vel::Entity::NotifieeConst> general = Vel::allocate<Vel::Entity::NotifieeConst>();
+  general->deferredNotificationIs(true);
+  general->notifierIs(shelf);
+  general->isRegisteredNotifieeIs(true);
+  Vel::Ptr<Recorder> b = recorder("b", shelf);
+  shelf->itemIs(1);
+  EXPECT_EQ(log, (Log{"a.onItem(1)", "b.onItem(1)"}));
+  EXPECT_EQ(Vel::ActivityManager::instance().drain(), 1u);
+  general = nullptr;
+  EXPECT_EQ(shelf->notifieeList()->size(), 2u);
+}
+
 TEST_F(EntityTest, EntityNotifieeFollowsOnlyEntities) {
   Vel::Ptr<Shelf> shelf = Vel::allocate<Shelf>("shelf");
   Vel::Ptr<Recorder> a = recorder("a", shelf);

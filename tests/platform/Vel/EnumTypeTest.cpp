@@ -23,9 +23,7 @@ const Vel::EnumType<unsigned int>& shadeType() {
 
 void sequenceToValue(Vel::String::IteratorConst& pos, const Vel::String::IteratorConst& end,
                      Shade* out) {
-  unsigned int value = 0;
-  shadeType().sequenceToValue(pos, end, &value);
-  *out = static_cast<Shade>(value);
+  shadeType().sequenceToValue(pos, end, out);
 }
 
 }  // namespace EnumTypeTestTypes
@@ -162,6 +160,26 @@ TEST(EnumTypeTest, AttributeReaderUsesTheEnumerationsReader) {
   EXPECT_EQ(messageOf<Vel::RangeException>(
                 [&] { Vel::deserializeAttr(pos, bad.end(), "shade", &shade); }),
             "attribute 'shade': enumeration 'Test::Shade' has no enumerator named 'white'");
+}
+
+TEST(EnumTypeTest, ReaderOfTheEnumerationTypeStoresItsEnumerator) {
+  const Vel::String text = "'noir')";
+  Vel::String::IteratorConst pos = text.begin();
+  Shade shade = Shade::light;
+  shadeType().sequenceToValue(pos, text.end(), &shade);
+  EXPECT_EQ(shade, Shade::black);
+  EXPECT_EQ(pos - text.begin(), 6);
+}
+
+TEST(EnumTypeTest, ReaderOfTheEnumerationTypeLeavesItAloneOnFailure) {
+  const Vel::String text = "'grey'";
+  Vel::String::IteratorConst pos = text.begin();
+  Shade shade = Shade::dark;
+  EXPECT_EQ(
+      messageOf<Vel::RangeException>([&] { shadeType().sequenceToValue(pos, text.end(), &shade); }),
+      "enumeration 'Test::Shade' has no enumerator named 'grey'");
+  EXPECT_EQ(shade, Shade::dark);
+  EXPECT_TRUE(pos == text.begin());
 }
 
 TEST(EnumTypeDeathTest, RepeatedNameStopsTheProcess) {

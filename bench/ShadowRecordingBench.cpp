@@ -1,0 +1,113 @@
+// What recording in the shadow tables adds to a PD call: a member, and a match
+// entry, added and deleted through the PD interface object of the chip model,
+// without a key manager and with one whose full-size shadow tables record
+// every call (an intent before the chip call, the record after it). Also the
+// time a restarted process takes to re-attach to full-size tables.
+
+#include <benchmark/benchmark.h>
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "BfPdIngressMirrorLagGroup/BfPdIngressMirrorLagGroupIntf.h"
+#include "MbbVaultKey/VaultKeyManager.h"
+#include "Vel/Allocate.h"
+#include "chipsim/chipsim.h"
+
+namespace {
+
+using BfPdIngressMirrorLagGroup::BfPdIngressMirrorLagGroupIntf;
+using MbbVaultKey::VaultKeyManager;
+
+constexpr p4_pd_device_target_t kTarget{0, P4_PD_ALL_PIPES};
+constexpr std::uint32_t kSession = 1;
+
+// The chip model's library, loaded as a host loads a PD library, on a new
+// private chip.
+void* chipLibrary() {
+  static void* handle = [] {
+    void* loaded = dlopen(CHIPSIM_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    if (loaded == nullptr) {
+      std::fprintf(stderr, "cannot load %s: %s\n", CHIPSIM_LIBRARY, dlerror());
+      std::abort();
+    }
+    return loaded;
+  }();
+  auto attach = reinterpret_cast<decltype(&chipsim_attach)>(dlsym(handle, "chipsim_attach"));
+  attach(nullptr);
+  return handle;
+}
+
+std::string tablesName() {
+  return "/shadow-bench-" + std::to_string(getpid());
+}
+
+// A PD interface object on a new chip; with `recording`, a key manager with
+// full-size shadow tables records its calls.
+struct Setup {
+  explicit Setup(bool recording)
+      : pd(Vel::allocate<BfPdIngressMirrorLagGroupIntf>("libchipsim.so", chipLibrary(), kSession)) {
+    VaultKeyManager::unlink(tablesName());
+    keys =
+        recording ? Vel::allocate<VaultKeyManager>(tablesName()) : Vel::allocate<VaultKeyManager>();
+    pd->vaultKeyManagerIs(keys);
+  }
+  ~Setup() {
+    pd = nullptr;
+    keys = nullptr;
+    VaultKeyManager::unlink(tablesName());
+  }
+
+  std::uint32_t addMember(std::uint32_t id) {
+    keys->allocAnon(id);
+    p4_pd_kestro_switch_setLagMemberSelector_action_spec_t spec{1};
+    std::uint32_t member = 0;
+    pd->p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector(
+        kSession, kTarget, &spec, &member);
+    return member;
+  }
+
+  Vel::Ptr<VaultKeyManager> keys;
+  Vel::Ptr<BfPdIngressMirrorLagGroupIntf> pd;
+};
+
+void memberAddDelete(benchmark::State& state) {
+  Setup setup(state.range(0) != 0);
+  for (auto _ : state) {
+    std::uint32_t member = setup.addMember(7);
+    setup.pd->p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member(kSession, 0, member);
+  }
+}
+BENCHMARK(memberAddDelete)->ArgName("recording")->Arg(0)->Arg(1);
+
+void entryAddDelete(benchmark::State& state) {
+  Setup setup(state.range(0) != 0);
+  std::uint32_t member = setup.addMember(1);
+  auto match = Vel::allocate<BfnTable::MatchSpecBase>();
+  p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t spec{5};
+  for (auto _ : state) {
+    setup.keys->alloc(match, false);
+    std::uint32_t entry = 0;
+    setup.pd->p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry(kSession, kTarget, &spec, member,
+                                                                  &entry);
+    setup.pd->p4_pd_kestro_switch_ingressMirrorLagGroup_table_delete(kSession, 0, entry);
+  }
+}
+BENCHMARK(entryAddDelete)->ArgName("recording")->Arg(0)->Arg(1);
+
+void attachFullSizeTables(benchmark::State& state) {
+  VaultKeyManager::unlink(tablesName());
+  Vel::allocate<VaultKeyManager>(tablesName());
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(Vel::allocate<VaultKeyManager>(tablesName()));
+  }
+  VaultKeyManager::unlink(tablesName());
+}
+BENCHMARK(attachFullSizeTables)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+BENCHMARK_MAIN();

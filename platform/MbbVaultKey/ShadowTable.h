@@ -1,0 +1,173 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "Vault/IterHint.h"
+#include "Vault/MbbPostcodef/EntryKey.h"
+#include "Vault/ReadOnlyVaultTable.h"
+#include "Vault/VaultTable.h"
+#include "Vel/Allocate.h"
+#include "Vel/Ptr.h"
+
+namespace MbbVaultKey {
+
+// One shadow table of records R as the platform writes it: the Vault table in
+// named shared memory, made or re-attached by name, with what this process
+// knows of it (every record and intent by key, and the key of each chip
+// handle), and the read-only adapter through which plug-ins read it.
+//
+// Records are finished (Vault's InUse slots, which readers see) or intents (an
+// operation under way, which readers do not see). A chip object has at most
+// one finished record: recordIs() first removes any other record of the same
+// handle, so that a writer killed in between leaves the other record gone and
+// the new one still an intent, never two records of one object.
+//
+// On attach, slots that fail their checks are freed (damagedFreed() tells how
+// many), so that the table can be walked again.
+template <class R>
+class ShadowTable {
+ public:
+  using EntryKey = Vault::MbbPostcodef::EntryKey;
+
+  ShadowTable(const std::string& name, std::uint32_t capacity)
+      : table_(Vel::allocate<Vault::VaultTable<R>>(name, capacity)),
+        config_(Vel::allocate<Vault::ReadOnlyVaultTable<R>>(name)) {
+    if (table_->writer().damagedSlotCount() != 0) {
+      damagedFreed_ = table_->cleanup();
+    }
+    load();
+  }
+
+  const std::string& name() const noexcept { return table_->name(); }
+  // The table as readers see it: finished records only, read-only.
+  const Vel::Ptr<Vault::VaultBase<R>>& config() const noexcept { return config_; }
+  // The writer's table, for housekeeping and tests.
+  Vault::VaultTable<R>& table() const noexcept { return *table_; }
+  std::uint32_t damagedFreed() const noexcept { return damagedFreed_; }
+
+  // The finished record of `key`, or nothing.
+  std::optional<R> record(const EntryKey& key) const { return find(key, false); }
+  // The intent of `key`, or nothing.
+  std::optional<R> intent(const EntryKey& key) const { return find(key, true); }
+  // The key of the finished record of a chip handle, or nothing.
+  std::optional<EntryKey> keyOfHandle(std::uint32_t handle) const {
+    auto found = keyOfHandle_.find(handle);
+    if (found == keyOfHandle_.end()) {
+      return std::nullopt;
+    }
+    return EntryKey::fromValue(found->second);
+  }
+  // The first finished record (in key order) for which `match` holds.
+  std::optional<R> recordWhere(const std::function<bool(const R&)>& match) const {
+    for (const auto& [key, slot] : byKey_) {
+      if (!slot.intent && match(slot.record)) {
+        return slot.record;
+      }
+    }
+    return std::nullopt;
+  }
+  // Finished records, or intents, in key order.
+  std::vector<R> records() const { return collect(false); }
+  std::vector<R> intents() const { return collect(true); }
+  // The largest key of a record or intent for which `counts` holds; key 0 when none.
+  EntryKey largestKey(const std::function<bool(const EntryKey&)>& counts) const {
+    for (auto slot = byKey_.rbegin(); slot != byKey_.rend(); ++slot) {
+      EntryKey key = EntryKey::fromValue(slot->first);
+      if (counts(key)) {
+        return key;
+      }
+    }
+    return EntryKey();
+  }
+
+  // Writes the intent of `record` over whatever its key held. Throws
+  // Vel::RangeException when the table is full; nothing changes then.
+  void intentIs(const R& record) {
+    table_->intentIs(record);
+    forgetHandle(record.vaultKey());
+    byKey_[record.vaultKey()] = {record, true};
+  }
+  // Writes `record` finished, after removing any other record of its handle.
+  void recordIs(const R& record) {
+    if (std::optional<EntryKey> other = keyOfHandle(record.handle())) {
+      if (other->value() != record.vaultKey()) {
+        recordDel(*other);
+      }
+    }
+    table_->write(record);
+    forgetHandle(record.vaultKey());
+    byKey_[record.vaultKey()] = {record, false};
+    keyOfHandle_[record.handle()] = record.vaultKey();
+  }
+  // Removes the record or intent of `key`; false when there is none.
+  bool recordDel(const EntryKey& key) {
+    auto found = byKey_.find(key.value());
+    if (found == byKey_.end()) {
+      return false;
+    }
+    table_->remove(found->second.record);
+    forgetHandle(key.value());
+    byKey_.erase(found);
+    return true;
+  }
+
+ private:
+  struct Slot {
+    R record;
+    bool intent;
+  };
+
+  void load() {
+    R record;
+    Vault::IterHint hint;
+    for (bool found = table_->first(record, hint); found; found = table_->next(record, hint)) {
+      byKey_[record.vaultKey()] = {record, false};
+      keyOfHandle_[record.handle()] = record.vaultKey();
+    }
+    for (bool found = table_->firstIntent(record, hint); found;
+         found = table_->nextIntent(record, hint)) {
+      byKey_[record.vaultKey()] = {record, true};
+    }
+  }
+  std::optional<R> find(const EntryKey& key, bool intent) const {
+    auto found = byKey_.find(key.value());
+    if (found == byKey_.end() || found->second.intent != intent) {
+      return std::nullopt;
+    }
+    return found->second.record;
+  }
+  std::vector<R> collect(bool intent) const {
+    std::vector<R> found;
+    for (const auto& [key, slot] : byKey_) {
+      if (slot.intent == intent) {
+        found.push_back(slot.record);
+      }
+    }
+    return found;
+  }
+  // Drops the handle index entry of the finished record of `key`, if any.
+  void forgetHandle(std::uint64_t key) {
+    auto slot = byKey_.find(key);
+    if (slot == byKey_.end() || slot->second.intent) {
+      return;
+    }
+    auto indexed = keyOfHandle_.find(slot->second.record.handle());
+    if (indexed != keyOfHandle_.end() && indexed->second == key) {
+      keyOfHandle_.erase(indexed);
+    }
+  }
+
+  Vel::Ptr<Vault::VaultTable<R>> table_;
+  Vel::Ptr<Vault::VaultBase<R>> config_;
+  std::map<std::uint64_t, Slot> byKey_;
+  std::unordered_map<std::uint32_t, std::uint64_t> keyOfHandle_;
+  std::uint32_t damagedFreed_ = 0;
+};
+
+}  // namespace MbbVaultKey
