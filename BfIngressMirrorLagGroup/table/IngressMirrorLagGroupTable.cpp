@@ -113,7 +113,9 @@ void IngressMirrorLagGroupTable::entryIs(const IngressMirrorLagGroupTableEntry& 
     return;
   }
 
-  const bool present = handles.entries().find(match) != nullptr;
+  // Present exactly when the registry holds a non-zero handle for this match
+  // object; a key stored with handle 0 counts as absent and is added.
+  const bool present = handles.entry(match) != 0;
   if (target.member) {
     if (present) {
       const BfnTable::BfnSdkMemberHandle mbr_hdl = handles.member(target.id);

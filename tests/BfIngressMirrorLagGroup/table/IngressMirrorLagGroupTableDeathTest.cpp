@@ -75,13 +75,6 @@ TEST_F(IngressMirrorLagGroupTableDeathTest, ModifyToAnUnknownMemberStops) {
   EXPECT_DEATH(table->entryIs(memberEntry(match, 12)), report(228, kEntryIs, "mbr_hdl"));
 }
 
-TEST_F(IngressMirrorLagGroupTableDeathTest, ModifyToAMemberOfAnEntryWithoutHandleStops) {
-  memberIs(11, 500);
-  const auto match = matchOf(5);
-  registry().entryIs(match, 0);
-  EXPECT_DEATH(table->entryIs(memberEntry(match, 11)), report(231, kEntryIs, "entry_hdl"));
-}
-
 TEST_F(IngressMirrorLagGroupTableDeathTest, AddOfAnUnknownMemberStops) {
   EXPECT_DEATH(table->entryIs(memberEntry(matchOf(5), 11)), report(247, kEntryIs, "mbr_hdl"));
 }
@@ -91,13 +84,6 @@ TEST_F(IngressMirrorLagGroupTableDeathTest, ModifyToAnUnknownGroupStops) {
   const auto match = matchOf(5);
   table->entryIs(memberEntry(match, 11));
   EXPECT_DEATH(table->entryIs(groupEntry(match, 4)), report(264, kEntryIs, "grp_hdl"));
-}
-
-TEST_F(IngressMirrorLagGroupTableDeathTest, ModifyToAGroupOfAnEntryWithoutHandleStops) {
-  groupIs(4);
-  const auto match = matchOf(5);
-  registry().entryIs(match, 0);
-  EXPECT_DEATH(table->entryIs(groupEntry(match, 4)), report(267, kEntryIs, "entry_hdl"));
 }
 
 TEST_F(IngressMirrorLagGroupTableDeathTest, AddOfAnUnknownGroupStops) {

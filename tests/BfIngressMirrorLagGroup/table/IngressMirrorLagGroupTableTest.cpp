@@ -67,6 +67,36 @@ TEST_F(IngressMirrorLagGroupTableTest, AddOfAMemberEntryCallsAddEntryAndStoresTh
   EXPECT_EQ(selector, 500u);
 }
 
+// The add-or-modify choice rests on a non-zero registry handle: a match stored
+// with handle 0 is programmed anew, and its handle replaced.
+TEST_F(IngressMirrorLagGroupTableTest, AMatchRegisteredWithHandleZeroIsAddedForAMember) {
+  const std::uint32_t mbr = memberIs(11, 500);
+  const auto match = matchOf(5);
+  registry().entryIs(match, 0);
+  startLog();
+  table->entryIs(memberEntry(match, 11));
+  const std::uint32_t handle = registry().entry(match);
+  ASSERT_NE(handle, 0u);
+  EXPECT_THAT(logLines(), ElementsAre(kAddEntry + "(" + kTarget +
+                                      ", mirror_session=5, mbr=" + std::to_string(mbr) +
+                                      ") = 0 entry=" + std::to_string(handle)));
+  EXPECT_EQ(registry().entries().size(), 1u);
+}
+
+TEST_F(IngressMirrorLagGroupTableTest, AMatchRegisteredWithHandleZeroIsAddedForAGroup) {
+  const std::uint32_t grp = groupIs(4);
+  const auto match = matchOf(6);
+  registry().entryIs(match, 0);
+  startLog();
+  table->entryIs(groupEntry(match, 4));
+  const std::uint32_t handle = registry().entry(match);
+  ASSERT_NE(handle, 0u);
+  EXPECT_THAT(logLines(), ElementsAre(kAddEntryWithSelector + "(" + kTarget +
+                                      ", mirror_session=6, grp=" + std::to_string(grp) +
+                                      ") = 0 entry=" + std::to_string(handle)));
+  EXPECT_EQ(registry().entries().size(), 1u);
+}
+
 TEST_F(IngressMirrorLagGroupTableTest, AddOfAGroupEntryCallsAddEntryWithSelector) {
   const std::uint32_t grp = groupIs(4);
   const auto match = matchOf(6);
