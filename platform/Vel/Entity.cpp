@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Vel/ActivityManager.h"
+#include "Vel/EntityType.h"
 
 namespace Vel {
 
@@ -36,6 +37,10 @@ void Entity::zeroReferencesIs(bool zero) {
   if (!zero || notifiees_.empty())
     return;
   notifiees_.doVisit([](PtrInterface::NotifieeConst& notifiee) { notifiee.onZeroReferences(); });
+}
+
+const TypeRecord* Entity::fwkType() const {
+  return &entityType();
 }
 
 Ptr<const Entity> Entity::selfWhileCounted() const {

@@ -20,6 +20,14 @@ class Entity : public PtrInterface {
   // Base of the observers of an entity (EntityNotifieeConst.h).
   class NotifieeConst;
 
+  // Numbers of the attributes that every entity has (see entityType()). The
+  // attributes of a derived entity type are numbered from 258 up.
+  static constexpr unsigned nameAttribute = 130;
+  static constexpr unsigned parentAttribute = 138;
+  static constexpr unsigned parentAttrNameAttribute = 139;
+  static constexpr unsigned fullNameAttribute = 141;
+  static constexpr unsigned entityAttribute = 143;
+
   explicit Entity(Name name = Name());
   // Drops every notifiee from the list; none is told.
   ~Entity() override;
@@ -45,6 +53,8 @@ class Entity : public PtrInterface {
   NotifieeList* notifieeList() const override { return &notifiees_; }
   // Tells the notifiees that the last reference has gone (onZeroReferences).
   void zeroReferencesIs(bool zero) override;
+  // The entity base record; derived entity types answer their own record.
+  const TypeRecord* fwkType() const override;
 
  protected:
   // Notifies one attribute: calls `call(notifiee)` on every active notifiee

@@ -64,9 +64,11 @@ class GenericIf {
   Ptr<GenericIterator> iteratorAtKey(std::string_view name, const GenericValue& key);
   Ptr<GenericIterator> iteratorAtKey(const AttributeRecord& attribute, const GenericValue& key);
 
-  // Attaches a generic notifiee to the entity; the answer is the adapter that
-  // carries the notifications, registered with the entity for as long as the
-  // caller holds it.
+  // Attaches a generic notifiee to the entity through the notifiee factory of
+  // its type (or of the nearest base type that has one); the answer is the
+  // adapter that carries the notifications, registered with the entity for as
+  // long as the caller holds it. A null notifiee gives an adapter that forwards
+  // nothing until one is attached to it (GenericNotifieeAdapter).
   Ptr<PtrInterface> notifieeIs(const Ptr<GenericNotifiee>& notifiee);
 
   // The text form and the hash of the value.

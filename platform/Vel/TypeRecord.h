@@ -44,7 +44,9 @@ class GenericValue;
 //       {{"label", BuiltinType<String>::instance(), 258, AttributeRecord::readWrite}},
 //       {.attribute = &shelfAttribute});
 //
-// and registered with typeNodeIs(shelfType) when the library loads.
+// and registered with typeNodeIs(shelfType) when the library loads. The base
+// record of entity types, entityType(), is in Vel/EntityType.h; an entity type
+// with notifiees names its GenericNotifieeAdapter's factory as `.notifiee`.
 class TypeRecord {
  public:
   enum class Kind { entity, object, value, enumeration, builtin };

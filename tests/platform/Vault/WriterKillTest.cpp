@@ -3,6 +3,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <ostream>
+#include <string>
 #include <tuple>
 
 #include "ScratchName.h"
@@ -10,6 +12,34 @@
 #include "Vault/ReadOnlyVaultTable.h"
 #include "Vault/VaultTable.h"
 #include "WalkResult.h"
+
+namespace {
+
+// The name of a write step in test names and test lists.
+std::string writeStepName(Vault::WriteStep step) {
+  switch (step) {
+    case Vault::WriteStep::CopyStarted:
+      return "CopyStarted";
+    case Vault::WriteStep::CopyHalfDone:
+      return "CopyHalfDone";
+    case Vault::WriteStep::CopyWritten:
+      return "CopyWritten";
+    case Vault::WriteStep::SlotPublished:
+      return "SlotPublished";
+  }
+  return "Step" + std::to_string(static_cast<int>(step));
+}
+
+}  // namespace
+
+namespace Vault {
+
+// Test lists print a write step by its name.
+static void PrintTo(WriteStep step, std::ostream* out) {
+  *out << writeStepName(step);
+}
+
+}  // namespace Vault
 
 namespace {
 
@@ -86,11 +116,17 @@ TEST_P(WriterKillTest, LeavesTheOldOrTheNewRecord) {
   EXPECT_EQ(walk<TestRecord>(again).records, expected);
 }
 
+// Test names tell the step and the kind of write: "CopyHalfDoneReplace".
+std::string killCaseName(const ::testing::TestParamInfo<WriterKillTest::ParamType>& info) {
+  return writeStepName(std::get<0>(info.param)) + (std::get<1>(info.param) ? "Replace" : "Insert");
+}
+
 INSTANTIATE_TEST_SUITE_P(EveryStep, WriterKillTest,
                          ::testing::Combine(::testing::Values(Vault::WriteStep::CopyStarted,
                                                               Vault::WriteStep::CopyHalfDone,
                                                               Vault::WriteStep::CopyWritten,
                                                               Vault::WriteStep::SlotPublished),
-                                            ::testing::Bool()));
+                                            ::testing::Bool()),
+                         killCaseName);
 
 }  // namespace

@@ -5,11 +5,13 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 
 #include "ReflectTestFamily.h"
 #include "ReflectTestHelpers.h"
 #include "Vel/Allocate.h"
 #include "Vel/BuiltinType.h"
+#include "Vel/Format.h"
 #include "Vel/GenericIf.h"
 #include "Vel/ObjectReference.h"
 #include "Vel/ParseException.h"
@@ -186,6 +188,21 @@ TEST_F(GenericTextTest, ReferenceToAnObjectOfAnotherTypeIsRefused) {
       "An object of type 'Library::Book' is not a 'Library::Lamp'");
   EXPECT_EQ(rangeMessage([&] { GenericIf::valueFromRawPtr("Library::Lamp", book.get()); }),
             "An object of type 'Library::Book' is not a 'Library::Lamp'");
+}
+
+TEST_F(GenericTextTest, ReferenceTextCarryingTheObjectsAddressIsRefused) {
+  const Vel::Ptr<Lamp> lamp = Vel::allocate<Lamp>();
+  const std::string printed = GenericIf(lamp).text();
+  const std::string decimal = std::to_string(reinterpret_cast<std::uintptr_t>(lamp.get()));
+  EXPECT_EQ(rangeMessage([&] {
+              GenericIf::valueFromText("Library::Lamp", "Ref('Library::Lamp', " + decimal + ")");
+            }),
+            "Ref('Library::Lamp', " + decimal + ") names no live object");
+  const std::string pointer = Vel::format("%p", static_cast<void*>(lamp.get()));
+  EXPECT_EQ(rangeMessage([&] { GenericIf::valueFromText("Library::Lamp", pointer); }),
+            "expected a reference, found '" + pointer + "'");
+  EXPECT_EQ(GenericIf::valueFromText("Library::Lamp", printed).get<Vel::Ptr<Lamp>>(), lamp);
+  EXPECT_EQ(lamp->references(), 1u);
 }
 
 TEST_F(GenericTextTest, ReferenceTextFollowedByMoreTextIsRefused) {

@@ -161,6 +161,23 @@ TEST_F(ObjectReferenceTextTest, UnknownIdIsRefused) {
             "Ref('Test::Node', 18446744073709551615) names no live object");
 }
 
+TEST_F(ObjectReferenceTextTest, AddressOfALiveObjectIsNeverReadAsAReference) {
+  const Vel::Ptr<Node> node = Vel::allocate<Node>();
+  Vel::ObjectReference::idOf(node.get());
+  const auto address = reinterpret_cast<std::uintptr_t>(node.get());
+  const std::string decimal = std::to_string(address);
+  // In the place of the id, in decimal and in hex, the address names nothing.
+  EXPECT_EQ(referenceFailure("Ref('Test::Node', " + decimal + ")"),
+            "Ref('Test::Node', " + decimal + ") names no live object");
+  EXPECT_EQ(referenceFailure(Vel::format("Ref('Test::Node', %p)", static_cast<void*>(node.get()))),
+            "Ref('Test::Node', " + decimal + ") names no live object");
+  // Alone, in any of the forms a pointer is printed in, it is no reference at all.
+  const std::string pointer = Vel::format("%p", static_cast<void*>(node.get()));
+  EXPECT_EQ(referenceFailure(pointer), "expected a reference, found '" + pointer + "'");
+  EXPECT_EQ(referenceFailure(decimal), "expected a reference, found '" + decimal + "'");
+  EXPECT_EQ(node->references(), 1u);
+}
+
 TEST_F(ObjectReferenceTextTest, ObjectHeldByNoReferenceIsRefused) {
   const Node unowned;
   const Vel::String text = Vel::valueToStrepOfRawPtr(&unowned, nullptr);

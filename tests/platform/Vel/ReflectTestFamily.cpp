@@ -3,6 +3,7 @@
 #include "Vel/AllocTrackTypeInfo.h"
 #include "Vel/Allocate.h"
 #include "Vel/BuiltinType.h"
+#include "Vel/EntityType.h"
 #include "Vel/Format.h"
 #include "Vel/GenericCall.h"
 #include "Vel/GenericIf.h"
@@ -54,6 +55,131 @@ Vel::Ptr<Book> Shelf::bookDel(std::uint32_t id) {
   return removed;
 }
 
+Room::~Room() {
+  for (const auto& [name, alcove] : alcoves_)
+    alcove->parentIs(nullptr);
+}
+
+Vel::Ptr<Shelf> Room::shelf(std::uint32_t serial) const {
+  auto slot = shelves_.find(serial);
+  return slot != shelves_.end() ? slot->second : nullptr;
+}
+
+Vel::Ptr<Shelf> Room::shelfIs(std::uint32_t serial) {
+  Vel::Ptr<Shelf>& slot = shelves_[serial];
+  if (slot)
+    return slot;
+  slot = Vel::allocate<Shelf>(serial);
+  const Vel::Ptr<Shelf> added = slot;
+  shelfNotify(serial);
+  return added;
+}
+
+Vel::Ptr<Shelf> Room::shelfDel(std::uint32_t serial) {
+  auto slot = shelves_.find(serial);
+  if (slot == shelves_.end())
+    return nullptr;
+  Vel::Ptr<Shelf> removed = std::move(slot->second);
+  shelves_.erase(slot);
+  shelfNotify(serial);
+  return removed;
+}
+
+void Room::openIs(bool open) {
+  if (open == open_)
+    return;
+  open_ = open;
+  notify<NotifieeConst>(openAttribute, [](NotifieeConst& notifiee) { notifiee.onOpen(); });
+}
+
+Vel::Ptr<Room> Room::alcove(const Vel::Name& name) const {
+  auto slot = alcoves_.find(name);
+  return slot != alcoves_.end() ? slot->second : nullptr;
+}
+
+Vel::Ptr<Room> Room::alcoveIs(const Vel::Name& name) {
+  Vel::Ptr<Room>& slot = alcoves_[name];
+  if (slot)
+    return slot;
+  slot = Vel::allocate<Room>(name);
+  slot->parentIs(this);
+  slot->parentAttrIs(alcoveAttribute, "alcove");
+  const Vel::Ptr<Room> added = slot;
+  alcoveNotify(name);
+  return added;
+}
+
+Vel::Ptr<Room> Room::alcoveDel(const Vel::Name& name) {
+  auto slot = alcoves_.find(name);
+  if (slot == alcoves_.end())
+    return nullptr;
+  Vel::Ptr<Room> removed = std::move(slot->second);
+  alcoves_.erase(slot);
+  removed->parentIs(nullptr);
+  alcoveNotify(name);
+  return removed;
+}
+
+void Room::shelfNotify(std::uint32_t serial) {
+  notify<NotifieeConst>(shelfAttribute,
+                        [serial](NotifieeConst& notifiee) { notifiee.onShelf(serial); });
+}
+
+void Room::alcoveNotify(const Vel::Name& name) {
+  notify<NotifieeConst>(alcoveAttribute,
+                        [&name](NotifieeConst& notifiee) { notifiee.onAlcove(name); });
+}
+
+void Room::NotifieeConst::notifierIs(const Vel::Ptr<const Vel::PtrInterface>& notifier) {
+  Vel::Entity::NotifieeConst::notifierIs(Vel::ptr_cast<const Room>(notifier));
+}
+
+void Room::NotifieeConst::onShelf(std::uint32_t) {}
+void Room::NotifieeConst::onShelfvelImmediate() {}
+void Room::NotifieeConst::onShelf() {}
+void Room::NotifieeConst::onOpen() {}
+void Room::NotifieeConst::onAlcove(const Vel::Name&) {}
+void Room::NotifieeConst::onAlcovevelImmediate() {}
+void Room::NotifieeConst::onAlcove() {}
+
+void Room::NotifieeConst::handleNotification(unsigned attributeNumber, Vel::NotificationKind kind) {
+  const bool immediate = kind == Vel::NotificationKind::immediate;
+  switch (attributeNumber) {
+    case shelfAttribute:
+      return immediate ? onShelfvelImmediate() : onShelf();
+    case openAttribute:
+      return onOpen();
+    case alcoveAttribute:
+      return immediate ? onAlcovevelImmediate() : onAlcove();
+  }
+  Vel::Entity::NotifieeConst::handleNotification(attributeNumber, kind);
+}
+
+void RoomGenericNotifiee::onShelf(std::uint32_t serial) {
+  forwardRawAttribute(Room::shelfAttribute, serial);
+}
+void RoomGenericNotifiee::onShelfvelImmediate() {
+  forwardRawAttribute(Room::shelfAttribute);
+}
+void RoomGenericNotifiee::onShelf() {
+  forwardRawAttribute(Room::shelfAttribute);
+}
+void RoomGenericNotifiee::onOpen() {
+  forwardRawAttribute(Room::openAttribute);
+}
+void RoomGenericNotifiee::onAlcove(const Vel::Name& name) {
+  forwardRawAttribute(Room::alcoveAttribute, name);
+}
+void RoomGenericNotifiee::onAlcovevelImmediate() {
+  forwardRawAttribute(Room::alcoveAttribute);
+}
+void RoomGenericNotifiee::onAlcove() {
+  forwardRawAttribute(Room::alcoveAttribute);
+}
+
+const TypeRecord* Room::fwkType() const {
+  return &roomType;
+}
 const TypeRecord* Lamp::fwkType() const {
   return &lampType;
 }
@@ -72,6 +198,8 @@ std::size_t liveObjects() {
          Vel::AllocTrackTypeInfo::of<Book>().liveObjects() +
          Vel::AllocTrackTypeInfo::of<Lamp>().liveObjects() +
          Vel::AllocTrackTypeInfo::of<DeskLamp>().liveObjects() +
+         Vel::AllocTrackTypeInfo::of<Room>().liveObjects() +
+         Vel::AllocTrackTypeInfo::of<RoomGenericNotifiee>().liveObjects() +
          Vel::AllocTrackTypeInfo::of<Vel::GenericKeyIterator>().liveObjects();
 }
 
@@ -204,6 +332,56 @@ Vel::GenericReply shelfAttribute(Vel::GenericCall& call) {
   return call.notOwned();
 }
 
+// Library::Room
+
+Vel::GenericReply roomAttribute(Vel::GenericCall& call) {
+  Room& room = call.object<Room>();
+  switch (call.attributeNumber()) {
+    case Room::shelfAttribute:
+      switch (call.op()) {
+        case GenericIf::opRead:
+          return call.answer(room.shelf(call.arg<std::uint32_t>(0)));
+        case GenericIf::opWrite:
+          return call.answer(room.shelfIs(call.arg<std::uint32_t>(0)));
+        case GenericIf::opDelete:
+          return call.answer(room.shelfDel(call.arg<std::uint32_t>(0)));
+        case GenericIf::opSize:
+          return call.answerCount(room.shelves().size());
+        case GenericIf::opBucketCount:
+          return call.answerCount(room.shelves().bucket_count());
+        case GenericIf::opContains:
+          return call.answerBool(room.shelf(call.arg<std::uint32_t>(0)) != nullptr);
+      }
+      return call.notSupported();
+    case Room::openAttribute:
+      switch (call.op()) {
+        case GenericIf::opRead:
+          return call.answer(room.open());
+        case GenericIf::opWrite:
+          room.openIs(call.arg<bool>(0));
+          return call.done();
+      }
+      return call.notSupported();
+    case Room::alcoveAttribute:
+      switch (call.op()) {
+        case GenericIf::opRead:
+          return call.answer(room.alcove(call.arg<Vel::Name>(0)));
+        case GenericIf::opWrite:
+          return call.answer(room.alcoveIs(call.arg<Vel::Name>(0)));
+        case GenericIf::opDelete:
+          return call.answer(room.alcoveDel(call.arg<Vel::Name>(0)));
+        case GenericIf::opSize:
+          return call.answerCount(room.alcoves().size());
+        case GenericIf::opBucketCount:
+          return call.answerCount(room.alcoves().bucket_count());
+        case GenericIf::opContains:
+          return call.answerBool(room.alcove(call.arg<Vel::Name>(0)) != nullptr);
+      }
+      return call.notSupported();
+  }
+  return call.notOwned();
+}
+
 std::vector<Vel::GenericValue> shelfBookKeys(const Vel::GenericValue& self,
                                              const AttributeRecord& attribute) {
   return Vel::GenericKeyIterator::keysOf(attribute, self.get<Vel::Ptr<Shelf>>()->books(),
@@ -284,6 +462,20 @@ const TypeRecord shelfType(
      .iterator = &shelfIterator,
      .iteratorAtKey = &shelfIteratorAtKey});
 
+const TypeRecord roomType(
+    "Library::Room", TypeRecord::Kind::entity, &Vel::entityType(),
+    {
+        {"shelf", shelfType, Room::shelfAttribute,
+         AttributeRecord::collection | AttributeRecord::readWrite | AttributeRecord::notifying,
+         &Vel::BuiltinType<std::uint32_t>::instance()},
+        {"open", Vel::BuiltinType<bool>::instance(), Room::openAttribute,
+         AttributeRecord::readWrite | AttributeRecord::notifying},
+        {"alcove", roomType, Room::alcoveAttribute,
+         AttributeRecord::collection | AttributeRecord::readWrite | AttributeRecord::notifying,
+         &Vel::BuiltinType<Vel::Name>::instance()},
+    },
+    {.attribute = &roomAttribute, .notifiee = &RoomGenericNotifiee::factory});
+
 namespace {
 
 // The family is known by name once the test program is loaded.
@@ -294,6 +486,7 @@ namespace {
   Vel::typeNodeIs(deskLampType);
   Vel::typeNodeIs(bookType);
   Vel::typeNodeIs(shelfType);
+  Vel::typeNodeIs(roomType);
   return true;
 }();
 
