@@ -69,6 +69,7 @@ TEST_F(FaultInjectionTest, EveryPdFunctionCanBeFailed) {
   EXPECT_EQ(pd.tableResetDefaultEntry(1, kAllPipes), 17);
   EXPECT_EQ(pd.setProperty(1, 0, 1, 1), 17);
   EXPECT_EQ(pd.getEntry(1, 0, 1, false, &match, &handle, &flag), 17);
+  EXPECT_EQ(pd.matchSpecToEntryHdl(1, kAllPipes, &match, &handle), 17);
   EXPECT_EQ(pd.addMember(1, kAllPipes, &action, &handle), 17);
   EXPECT_EQ(pd.modifyMember(1, 0, 1, &action), 17);
   EXPECT_EQ(pd.delMember(1, 0, 1), 17);
@@ -80,7 +81,7 @@ TEST_F(FaultInjectionTest, EveryPdFunctionCanBeFailed) {
   for (const std::string& name : kPdFunctions) {
     EXPECT_EQ(pd.calls(name.c_str()), 1) << name;
   }
-  EXPECT_EQ(pd.logCount(), 18u);
+  EXPECT_EQ(pd.logCount(), 19u);
 }
 
 }  // namespace

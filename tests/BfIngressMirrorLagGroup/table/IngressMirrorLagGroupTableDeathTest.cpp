@@ -20,12 +20,20 @@ const std::string kEntryIs =
         "void BfIngressMirrorLagGroup::IngressMirrorLagGroupTable::entryIs(const "
         "BfIngressMirrorLagGroup::IngressMirrorLagGroupTableEntry") +
     kRef + ")";
+// clang writes a template argument as the declaration spells it, g++ fully
+// qualified.
+#if defined(__clang__)
+constexpr const char* kMatchSpecArg = "Vel::Ptr<const IngressMirrorLagGroupMatchSpec>";
+#else
+constexpr const char* kMatchSpecArg =
+    "Vel::Ptr<const BfIngressMirrorLagGroup::IngressMirrorLagGroupMatchSpec>";
+#endif
+
 const std::string kEntryDel =
     std::string(
         "BfIngressMirrorLagGroup::IngressMirrorLagGroupTableEntry "
-        "BfIngressMirrorLagGroup::IngressMirrorLagGroupTable::entryDel(const "
-        "Vel::Ptr<const BfIngressMirrorLagGroup::IngressMirrorLagGroupMatchSpec>") +
-    kRef + ")";
+        "BfIngressMirrorLagGroup::IngressMirrorLagGroupTable::entryDel(const ") +
+    kMatchSpecArg + kRef + ")";
 
 // A pattern that matches exactly `text` and nothing else.
 std::string exactly(const std::string& text) {
