@@ -3,7 +3,7 @@
 // Every public type of the plug-in: the table model (match spec, action specs,
 // table-entry values, the action-profile configuration and its notifiees), the
 // hardware access layer (table helper, handle registry, SDK status rule and
-// table exceptions) and the match table.
+// table exceptions) and the match table with its factory.
 
 #include "BfIngressMirrorLagGroup/model/IngressMirrorLagGroupActionProfile.h"
 #include "BfIngressMirrorLagGroup/model/IngressMirrorLagGroupActionProfileEntry.h"
@@ -30,3 +30,4 @@
 #include "BfIngressMirrorLagGroup/hw/PdStatus.h"
 
 #include "BfIngressMirrorLagGroup/table/IngressMirrorLagGroupTable.h"
+#include "BfIngressMirrorLagGroup/table/IngressMirrorLagGroupTableFactory.h"

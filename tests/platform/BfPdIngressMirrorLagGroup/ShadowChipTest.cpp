@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <set>
 
-#include "ChipContents.h"
+#include "support/ChipContents.h"
 
 #include "Vel/Allocate.h"
 #include "support/ShadowWalk.h"

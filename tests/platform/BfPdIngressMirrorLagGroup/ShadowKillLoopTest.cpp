@@ -7,15 +7,15 @@
 #include <string>
 
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
-#include "ChipContents.h"
 #include "ShadowChipTest.h"
 #include "ShadowWorkload.h"
 #include "Vault/WriteStep.h"
+#include "support/ChipContents.h"
+#include "support/KillCountdown.h"
 
 namespace shadow_test {
 namespace {
 
-using BfPdIngressMirrorLagGroup::ShadowCallStep;
 using BfPdIngressMirrorLagGroup::ShadowReconciler;
 using BfPdIngressMirrorLagGroup::ShadowReconciliation;
 using chipsim_test::chipsim;
@@ -27,20 +27,6 @@ enum class Killer {
   shadowWrite,   // at the n-th step of its shadow-table writes, in the midst of a write
   timer,         // by its parent, after a random time
 };
-
-unsigned gCountdown = 0;
-
-void countDown() {
-  if (gCountdown != 0 && --gCountdown == 0) {
-    raise(SIGKILL);
-  }
-}
-void countCallStep(ShadowCallStep) {
-  countDown();
-}
-void countWriteStep(Vault::WriteStep) {
-  countDown();
-}
 
 std::uint32_t fromEnvironment(const char* name, std::uint32_t otherwise) {
   const char* text = std::getenv(name);
@@ -73,18 +59,18 @@ class ShadowKillLoopTest : public ShadowChipTest {
     }
     auto keys = attachManager();
     auto intf = pdFor(keys);
-    gCountdown = countdown;
+    KillCountdown::arm(countdown);
     switch (killer) {
       case Killer::chipChange:
         chipsim().killAfterChangesForTest(countdown);
         break;
       case Killer::recordedCall:
-        intf->shadowProbeIs(countCallStep);
+        intf->shadowProbeIs(KillCountdown::passCallStep);
         break;
       case Killer::shadowWrite:
-        keys->entryShadow()->table().writer().writeProbeIs(countWriteStep);
-        keys->memberShadow()->table().writer().writeProbeIs(countWriteStep);
-        keys->groupShadow()->table().writer().writeProbeIs(countWriteStep);
+        keys->entryShadow()->table().writer().writeProbeIs(KillCountdown::passWriteStep);
+        keys->memberShadow()->table().writer().writeProbeIs(KillCountdown::passWriteStep);
+        keys->groupShadow()->table().writer().writeProbeIs(KillCountdown::passWriteStep);
         break;
       case Killer::timer:
         break;

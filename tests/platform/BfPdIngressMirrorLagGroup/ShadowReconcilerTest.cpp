@@ -1,6 +1,6 @@
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
 
-#include "ChipContents.h"
+#include "support/ChipContents.h"
 #include "ShadowChipTest.h"
 #include "Vel/Allocate.h"
 

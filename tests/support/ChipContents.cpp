@@ -1,4 +1,4 @@
-#include "ChipContents.h"
+#include "support/ChipContents.h"
 
 #include <cstdio>
 #include <cstdlib>

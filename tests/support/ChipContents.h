@@ -8,7 +8,8 @@
 
 namespace shadow_test {
 
-// The objects in the chip, read from the chip's dump.
+// The objects in the chip, read from the chip's dump (of the chip model that
+// tests load, see ChipsimLibrary).
 struct ChipContents {
   std::map<std::uint32_t, std::uint16_t> entries;  // handle -> mirror session
   std::optional<std::uint32_t> defaultEntry;       // the default entry's handle, when set

@@ -1,0 +1,116 @@
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <random>
+#include <string>
+
+#include "RestartTest.h"
+#include "support/KillCountdown.h"
+
+namespace BfIngressMirrorLagGroup {
+namespace {
+
+using shadow_test::KillCountdown;
+
+// Where an instance is killed.
+enum class Killer {
+  chipChange,    // at its n-th change of the chip's state, in the midst of a PD call
+  recordedCall,  // at the n-th point of its recorded PD calls
+  shadowWrite,   // at the n-th step of its shadow-table writes, in the midst of a write
+  timer,         // by the parent, after a random time
+};
+
+std::uint32_t fromEnvironment(const char* name, std::uint32_t otherwise) {
+  const char* text = std::getenv(name);
+  return text != nullptr ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
+}
+
+// Instances of a host are killed one after the other at random points: while
+// they settle the shadow tables, while the factory adopts the entries, while
+// they write the configuration again and while they change entries in
+// service. After each death the next instance settles, adopts and writes the
+// configuration again without an exception, and the chip then holds every
+// entry once and nothing else. MIRRORLAG_FACTORY_KILLS sets how many
+// instances die (50 by default), MIRRORLAG_FACTORY_SEED the random seed.
+class FactoryKillLoopTest : public RestartTest {
+ protected:
+  void SetUp() override {
+    RestartTest::SetUp();
+    attachNamedChip();
+  }
+
+  // An instance that starts, writes the configuration and changes entries
+  // until it is killed (or has made its changes).
+  pid_t startInstance(Killer killer, unsigned countdown, std::uint32_t seed) {
+    return fork([=, this]() {
+      KillCountdown::arm(killer == Killer::recordedCall || killer == Killer::shadowWrite ? countdown
+                                                                                         : 0);
+      if (killer == Killer::chipChange)
+        chip.killAfterChangesForTest(countdown);
+      auto instance = start([killer](MbbVaultKey::VaultKeyManager& keys) {
+        if (killer == Killer::shadowWrite)
+          armWriters(keys);
+      });
+      if (killer == Killer::recordedCall)
+        instance->pd().shadowProbeIs(KillCountdown::passCallStep);
+      instance->apply(config);
+      std::mt19937 random(seed);
+      for (int change = 0; change < 2000; ++change)
+        instance->change(config, random());
+      return 0;
+    });
+  }
+
+  // Every step of the shadow-table writes of `keys` counts down.
+  static void armWriters(MbbVaultKey::VaultKeyManager& keys) {
+    keys.entryShadow()->table().writer().writeProbeIs(KillCountdown::passWriteStep);
+    keys.memberShadow()->table().writer().writeProbeIs(KillCountdown::passWriteStep);
+    keys.groupShadow()->table().writer().writeProbeIs(KillCountdown::passWriteStep);
+  }
+
+  const WantedConfig config = WantedConfig::make(200, 12, 4);
+};
+
+TEST_F(FactoryKillLoopTest, EveryRestartAdoptsAndRewritesTheConfigurationWithoutDuplicates) {
+  const std::uint32_t wanted = fromEnvironment("MIRRORLAG_FACTORY_KILLS", 50);
+  const std::uint32_t seed = fromEnvironment("MIRRORLAG_FACTORY_SEED", 20240611);
+  SCOPED_TRACE("MIRRORLAG_FACTORY_SEED=" + std::to_string(seed));
+  std::mt19937 random(seed);
+  std::uint32_t kills = 0;
+  std::uint32_t settled = 0;
+  for (std::uint32_t round = 0; kills < wanted && round < 3 * wanted && !HasFailure(); ++round) {
+    const auto killer = static_cast<Killer>(random() % 4);
+    const unsigned countdown = 1 + random() % (killer == Killer::chipChange ? 6000 : 1200);
+    const pid_t child = startInstance(killer, countdown, random());
+    if (killer == Killer::timer) {
+      // Half of the timers fall in the instance's start, the rest anywhere.
+      usleep(random() % (random() % 2 == 0 ? 3000 : 60000));
+      kill(child, SIGKILL);
+    }
+    const int ended = wait(child);
+    ASSERT_TRUE(ended == -SIGKILL || ended == 0) << "round " << round << ": " << ended;
+    kills += ended == -SIGKILL ? 1 : 0;
+
+    SCOPED_TRACE("round " + std::to_string(round));
+    std::unique_ptr<TableInstance> instance;
+    ASSERT_NO_THROW(instance = start());
+    EXPECT_EQ(instance->settled().unsettled, 0u);
+    settled += instance->settled().total();
+    const std::set<std::uint16_t> before = chipSessions();
+    chip.logClear();
+    ASSERT_NO_THROW(instance->apply(config));
+    // Entries that outlived the death are modified, never added again.
+    for (std::uint16_t session : addedSessions(logLines()))
+      EXPECT_EQ(before.count(session), 0u) << "session " << session << " added again";
+    expectProgrammed(config, *instance);
+  }
+  EXPECT_GE(kills, wanted);
+  // Some deaths did come in the midst of recorded calls.
+  EXPECT_GT(settled, 0u);
+  RecordProperty("kills", static_cast<int>(kills));
+  RecordProperty("intentsSettled", static_cast<int>(settled));
+}
+
+}  // namespace
+}  // namespace BfIngressMirrorLagGroup

@@ -1,0 +1,108 @@
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <map>
+#include <utility>
+#include <vector>
+
+#include "RestartTest.h"
+#include "support/PdFunctionNames.h"
+
+namespace BfIngressMirrorLagGroup {
+namespace {
+
+using chipsim_test::kModifyEntry;
+using chipsim_test::kModifyEntryWithSelector;
+using chipsim_test::kSetDefaultEntry;
+
+using HandlePairs = std::vector<std::pair<std::uint16_t, std::uint32_t>>;
+
+class FactoryRestartTest : public RestartTest {};
+
+// The first instance makes the named chip and the shadow tables, programs
+// 3000 entries, members, groups and the default entry, tells its registry's
+// entry handles through a pipe and dies by SIGKILL. The second settles the
+// tables, makes the table with the factory and holds the first's handles;
+// writing the same configuration again only modifies.
+TEST_F(FactoryRestartTest, ASecondProcessAdoptsTheFirstsEntriesAndOnlyModifiesThem) {
+  const WantedConfig config = WantedConfig::make(3000, 40, 10);
+  int fds[2];
+  ASSERT_EQ(pipe(fds), 0);
+  const pid_t first = fork([&]() {
+    close(fds[0]);
+    if (chip.attach(chipName.c_str()) != 0)
+      return 2;
+    auto instance = start();
+    instance->apply(config);
+    for (const auto& [session, handle] : instance->handlesBySession()) {
+      const std::pair<std::uint16_t, std::uint32_t> pair(session, handle);
+      if (write(fds[1], &pair, sizeof pair) != static_cast<ssize_t>(sizeof pair))
+        return 3;
+    }
+    raise(SIGKILL);
+    return 4;
+  });
+  close(fds[1]);
+  HandlePairs firstHandles;
+  std::pair<std::uint16_t, std::uint32_t> pair;
+  while (read(fds[0], &pair, sizeof pair) == static_cast<ssize_t>(sizeof pair))
+    firstHandles.push_back(pair);
+  close(fds[0]);
+  ASSERT_EQ(wait(first), -SIGKILL);
+  ASSERT_EQ(firstHandles.size(), config.entries.size());
+
+  ASSERT_EQ(chip.attachExisting(chipName.c_str()), 0);
+  auto second = start();
+  EXPECT_EQ(second->settled().total(), 0u);
+  const std::map<std::uint16_t, std::uint32_t> adopted = second->handlesBySession();
+  EXPECT_EQ(HandlePairs(adopted.begin(), adopted.end()), firstHandles);
+  expectProgrammed(config, *second);
+  EXPECT_EQ(second->keys()->latestKey().value(), config.entries.size() + 1);
+
+  chip.logClear();
+  second->apply(config);
+  const std::vector<std::string> lines = logLines();
+  ASSERT_EQ(lines.size(), config.entries.size() + 1);
+  std::size_t modifies = 0;
+  for (const std::string& line : lines) {
+    const bool modify = line.rfind(kModifyEntry + "(", 0) == 0 ||
+                        line.rfind(kModifyEntryWithSelector + "(", 0) == 0;
+    modifies += modify ? 1 : 0;
+    EXPECT_TRUE(modify || line.rfind(kSetDefaultEntry + "(", 0) == 0) << line;
+    EXPECT_NE(line.find(") = 0"), std::string::npos) << line;
+  }
+  EXPECT_EQ(modifies, config.entries.size());
+  EXPECT_EQ(chip.entries(), config.entries.size());
+  expectProgrammed(config, *second);
+  // Nothing was added, so nothing new was recorded.
+  EXPECT_EQ(second->keys()->entryShadow()->records().size(), config.entries.size() + 1);
+  EXPECT_EQ(second->keys()->memberShadow()->records().size(), config.members.size());
+  EXPECT_EQ(second->keys()->groupShadow()->records().size(), config.groups.size());
+}
+
+// Entries of the first instance that the second does not write again stay
+// adopted, and can be deleted through their adopted match specs.
+TEST_F(FactoryRestartTest, AnAdoptedEntryIsDeletedThroughItsAdoptedMatchSpec) {
+  const WantedConfig config = WantedConfig::make(20, 4, 2);
+  attachNamedChip();
+  ASSERT_EQ(wait(fork([&]() {
+              start()->apply(config);
+              raise(SIGKILL);
+              return 0;
+            })),
+            -SIGKILL);
+  auto second = start();
+  const auto matches = second->matchesBySession();
+  ASSERT_EQ(matches.size(), config.entries.size());
+  const std::uint32_t handle = second->registry().entry(matches.begin()->second);
+  second->table()->entryDel(matches.begin()->second);
+  EXPECT_EQ(chip.entries(), config.entries.size() - 1);
+  EXPECT_EQ(second->registry().entry(matches.begin()->second), 0u);
+  EXPECT_FALSE(second->keys()->entryShadow()->keyOfHandle(handle).has_value());
+  EXPECT_EQ(second->keys()->entryShadow()->records().size(), config.entries.size());
+}
+
+}  // namespace
+}  // namespace BfIngressMirrorLagGroup

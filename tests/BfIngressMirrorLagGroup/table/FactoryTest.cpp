@@ -1,0 +1,117 @@
+#include "FactoryTest.h"
+
+#include "Vault/MbbPostcodef/ShadowOp.h"
+#include "Vel/Allocate.h"
+
+namespace BfIngressMirrorLagGroup {
+
+namespace {
+
+using Vault::MbbPostcodef::EntryKey;
+using Vault::MbbPostcodef::OpId;
+using Vault::MbbPostcodef::ShadowOp;
+
+using chipsim_test::kSetProperty;
+
+constexpr std::uint32_t kAllPipes = 0xFFFF;
+
+}  // namespace
+
+void RecordingKeyManager::populate(const EntryKey& key, const MatchSpec& match) {
+  const auto* spec = dynamic_cast<const IngressMirrorLagGroupMatchSpec*>(match.get());
+  const std::string session =
+      spec != nullptr ? std::to_string(spec->ingMirrorMdMirrorSession()) : "?";
+  calls.push_back("populate " + std::to_string(key.value()) + " session=" + session);
+  populated.push_back(match);
+  VaultKeyManager::populate(key, match);
+}
+
+void RecordingKeyManager::latestKeyIs(const EntryKey& key) {
+  calls.push_back("latestKeyIs " + std::to_string(key.value()));
+  VaultKeyManager::latestKeyIs(key);
+}
+
+void FactoryTest::SetUp() {
+  TableTest::SetUp();
+  // The fixture's own table goes; the factory makes the ones tested here.
+  table = nullptr;
+  helper = nullptr;
+  status = Vel::allocate<BfnTableStatusManager::StatusManager>();
+  // The chip keeps the scope of a table holding entries: entries made before
+  // a table on pipe 2 is made must already be in its per-pipe scope.
+  ASSERT_EQ(chip.setProperty(kSession, kDevice, P4_PD_TABLE_PROPERTY_ENTRY_SCOPE,
+                             P4_PD_ENTRY_SCOPE_SINGLE_PIPE),
+            0);
+}
+
+void FactoryTest::TearDown() {
+  status = nullptr;
+  TableTest::TearDown();
+}
+
+void FactoryTest::makeTable(Vel::Ptr<MbbVaultKey::VaultKeyManager> keys,
+                            Vel::Ptr<BfnTableStatusManager::StatusManager> statusManager,
+                            std::uint16_t pipe) {
+  table = ingressMirrorLagGroupTableFactory(std::move(keys), std::move(statusManager), chipHandle,
+                                            kSession, kDevice, pipe, CHIPSIM_LIBRARY);
+  helper = table->helper();
+}
+
+Vel::Ptr<RecordingKeyManager> FactoryTest::shadowKeys() {
+  return Vel::allocate<RecordingKeyManager>(base.str(), capacity);
+}
+
+std::uint32_t FactoryTest::chipMemberIs(std::uint16_t selector) {
+  const p4_pd_kestro_switch_setLagMemberSelector_action_spec_t action{selector};
+  std::uint32_t member = 0;
+  EXPECT_EQ(chip.addMember(kSession, {kDevice, kPipe}, &action, &member), 0);
+  return member;
+}
+
+std::uint32_t FactoryTest::chipEntryIs(std::uint16_t session) {
+  const std::uint32_t member = chipMemberIs(session);
+  const p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t match{session};
+  std::uint32_t entry = 0;
+  EXPECT_EQ(chip.addEntry(kSession, {kDevice, kPipe}, &match, member, &entry), 0);
+  return entry;
+}
+
+void FactoryTest::entryRecordIs(const MbbVaultKey::VaultKeyManager& keys, std::uint64_t key,
+                                std::uint32_t handle, std::uint16_t session) {
+  keys.entryShadow()->recordIs(EntryConfig(EntryKey::fromValue(key),
+                                           Vault::MbbPostcodef::opIdOf(ShadowOp::entryAdd), handle,
+                                           session, kPipe));
+}
+
+void FactoryTest::defaultRecordIs(const MbbVaultKey::VaultKeyManager& keys, std::uint64_t key,
+                                  std::uint32_t handle) {
+  keys.entryShadow()->recordIs(EntryConfig(EntryKey::fromValue(key),
+                                           Vault::MbbPostcodef::opIdOf(ShadowOp::defaultEntrySet),
+                                           handle, 0, kPipe));
+}
+
+int FactoryTest::sessionOfHandle(std::uint32_t handle) const {
+  for (auto slot = registry().entries().begin(); slot; ++slot) {
+    if (slot.value() == handle)
+      return slot.key()->ingMirrorMdMirrorSession();
+  }
+  return -1;
+}
+
+std::vector<std::string> FactoryTest::statusCalls() const {
+  std::vector<std::string> texts;
+  for (const auto& call : status->calls())
+    texts.push_back(call.text());
+  return texts;
+}
+
+std::string FactoryTest::setPropertyLine(std::uint32_t value, int status) {
+  return kSetProperty + "(sess=7, dev=3, property=1, value=" + std::to_string(value) +
+         ") = " + std::to_string(status);
+}
+
+std::string pipeName(const testing::TestParamInfo<std::uint16_t>& info) {
+  return info.param == kAllPipes ? "AllPipes" : "Pipe" + std::to_string(info.param);
+}
+
+}  // namespace BfIngressMirrorLagGroup
