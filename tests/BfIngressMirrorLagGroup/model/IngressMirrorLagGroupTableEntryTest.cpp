@@ -35,7 +35,7 @@ class IngressMirrorLagGroupTableEntryTest : public ValueTextTestSupport::MatchSp
   }
 
   // Parses `text` with the parsing constructor, expecting an E: checks that pos
-  // did not move and that the spec holds no reference more than before.
+  // did not move and that the match spec holds no reference more than before.
   template <class E>
   std::string parseFailure(const Vel::String& text) {
     const std::uint32_t references = spec_->references();

@@ -4,6 +4,7 @@
 
 #include "BfIngressMirrorLagGroup/hw/TableSourcePath.h"
 #include "TableTest.h"
+#include "support/AssertionReport.h"
 
 namespace BfIngressMirrorLagGroup {
 namespace {
@@ -28,21 +29,9 @@ const std::string kEntryDel =
     "BfIngressMirrorLagGroup::IngressMirrorLagGroupMatchSpec>&)";
 #endif
 
-// A pattern that matches exactly `text` and nothing else.
-std::string exactly(const std::string& text) {
-  std::string pattern = "^";
-  for (char c : text) {
-    if (std::string("\\^$.|?*+()[]{}").find(c) != std::string::npos)
-      pattern += '\\';
-    pattern += c;
-  }
-  return pattern + "$";
-}
-
 // The report of a failed assertion at a line of the table description.
 std::string report(unsigned line, const std::string& function, const std::string& text) {
-  return exactly(std::string(tableSourcePath) + ":" + std::to_string(line) + ": " + function +
-                 ": Assertion '" + text + "' failed.\n");
+  return test_support::assertionReport(tableSourcePath, line, function, text);
 }
 
 class IngressMirrorLagGroupTableDeathTest : public TableTest {

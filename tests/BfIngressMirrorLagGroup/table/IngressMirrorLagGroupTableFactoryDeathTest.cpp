@@ -5,6 +5,7 @@
 #include "BfIngressMirrorLagGroup/hw/TableSourcePath.h"
 #include "FactoryTest.h"
 #include "Vel/Allocate.h"
+#include "support/AssertionReport.h"
 
 namespace BfIngressMirrorLagGroup {
 namespace {
@@ -24,20 +25,8 @@ const std::string kFactory =
     "Vel::Name)";
 #endif
 
-// A pattern that matches exactly `text` and nothing else.
-std::string exactly(const std::string& text) {
-  std::string pattern = "^";
-  for (char c : text) {
-    if (std::string("\\^$.|?*+()[]{}").find(c) != std::string::npos)
-      pattern += '\\';
-    pattern += c;
-  }
-  return pattern + "$";
-}
-
 std::string report(unsigned line, const std::string& text) {
-  return exactly(std::string(tableSourcePath) + ":" + std::to_string(line) + ": " + kFactory +
-                 ": Assertion '" + text + "' failed.\n");
+  return test_support::assertionReport(tableSourcePath, line, kFactory, text);
 }
 
 class FactoryDeathTest : public FactoryTest {
