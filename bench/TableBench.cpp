@@ -17,6 +17,7 @@
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
 #include "BfIngressMirrorLagGroup/hw/PluginTrace.h"
+#include "ChipSymbol.h"
 #include "Vel/Allocate.h"
 #include "Vel/TraceSink.h"
 #include "chipsim/chipsim.h"
@@ -36,16 +37,6 @@ constexpr std::uint32_t kMemberId = 1;
 // The measured entry's key; the table's other entries take the keys after it.
 constexpr std::uint16_t kMeasuredKey = 0;
 
-template <class F>
-F resolve(void* handle, const char* name) {
-  void* symbol = dlsym(handle, name);
-  if (symbol == nullptr) {
-    std::fprintf(stderr, "%s has no %s\n", CHIPSIM_LIBRARY, name);
-    std::abort();
-  }
-  return reinterpret_cast<F>(symbol);
-}
-
 // The chip model's library, loaded as a host loads a PD library, with the few
 // functions that the benchmark calls itself. Its chips hold 65536 entries.
 struct Chip {
@@ -54,15 +45,15 @@ struct Chip {
       std::fprintf(stderr, "cannot load %s: %s\n", CHIPSIM_LIBRARY, dlerror());
       std::abort();
     }
-    configDefault = resolve<decltype(configDefault)>(handle, "chipsim_config_default");
-    configure = resolve<decltype(configure)>(handle, "chipsim_configure");
-    reset = resolve<decltype(reset)>(handle, "chipsim_reset");
-    entries = resolve<decltype(entries)>(handle, "chipsim_entries");
-    addEntry =
-        resolve<decltype(addEntry)>(handle, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry");
-    tableDelete = resolve<decltype(tableDelete)>(
+    configDefault = chipSymbol<decltype(configDefault)>(handle, "chipsim_config_default");
+    configure = chipSymbol<decltype(configure)>(handle, "chipsim_configure");
+    reset = chipSymbol<decltype(reset)>(handle, "chipsim_reset");
+    entries = chipSymbol<decltype(entries)>(handle, "chipsim_entries");
+    addEntry = chipSymbol<decltype(addEntry)>(
+        handle, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry");
+    tableDelete = chipSymbol<decltype(tableDelete)>(
         handle, "p4_pd_kestro_switch_ingressMirrorLagGroup_table_delete");
-    addMember = resolve<decltype(addMember)>(
+    addMember = chipSymbol<decltype(addMember)>(
         handle,
         "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector");
     chipsim_config config{};

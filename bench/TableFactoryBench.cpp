@@ -18,6 +18,7 @@
 #include <string>
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
+#include "ChipSymbol.h"
 #include "Vault/MbbPostcodef/ShadowOp.h"
 #include "Vel/Allocate.h"
 #include "chipsim/chipsim.h"
@@ -32,16 +33,6 @@ constexpr std::uint16_t kPipe = 0xFFFF;
 constexpr p4_pd_device_target_t kTarget{kDevice, kPipe};
 constexpr std::uint32_t kSession = 1;
 constexpr std::uint32_t kEntries = 65536;
-
-template <class F>
-F resolve(void* handle, const char* name) {
-  void* symbol = dlsym(handle, name);
-  if (symbol == nullptr) {
-    std::fprintf(stderr, "%s has no %s\n", CHIPSIM_LIBRARY, name);
-    std::abort();
-  }
-  return reinterpret_cast<F>(symbol);
-}
 
 long maxRssKiB() {
   rusage usage{};
@@ -59,14 +50,14 @@ struct Fixture {
       std::abort();
     }
     auto configDefault =
-        resolve<decltype(&chipsim_config_default)>(chipHandle, "chipsim_config_default");
-    auto configure = resolve<decltype(&chipsim_configure)>(chipHandle, "chipsim_configure");
-    auto reset = resolve<decltype(&chipsim_reset)>(chipHandle, "chipsim_reset");
-    auto addMember = resolve<
+        chipSymbol<decltype(&chipsim_config_default)>(chipHandle, "chipsim_config_default");
+    auto configure = chipSymbol<decltype(&chipsim_configure)>(chipHandle, "chipsim_configure");
+    auto reset = chipSymbol<decltype(&chipsim_reset)>(chipHandle, "chipsim_reset");
+    auto addMember = chipSymbol<
         p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector_fn>(
         chipHandle,
         "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector");
-    auto addEntry = resolve<p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_fn>(
+    auto addEntry = chipSymbol<p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_fn>(
         chipHandle, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry");
     chipsim_config config{};
     configDefault(&config);
@@ -170,7 +161,7 @@ void shadowWalk(benchmark::State& state) {
 
 void chipReadBack(benchmark::State& state) {
   Fixture& f = fixture();
-  auto getEntry = resolve<p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry_fn>(
+  auto getEntry = chipSymbol<p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry_fn>(
       f.chipHandle, "p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry");
   for (auto _ : state) {
     for (std::uint32_t handle = 1; handle <= kEntries; ++handle) {
