@@ -1,7 +1,10 @@
 #include "LineBuilder.h"
 
+#include <algorithm>
+#include <charconv>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 
 namespace chipsim {
 
@@ -21,6 +24,33 @@ void LineBuilder::append(const char* format, ...) noexcept {
       length_ = sizeof text_ - 1;
     }
   }
+}
+
+void LineBuilder::appendText(const char* text) noexcept {
+  const std::size_t room = sizeof text_ - 1 - length_;
+  const std::size_t size = std::min(std::strlen(text), room);
+  std::memcpy(text_ + length_, text, size);
+  length_ += size;
+  text_[length_] = '\0';
+}
+
+namespace {
+
+template <class Number>
+void appendNumber(LineBuilder& line, Number value) noexcept {
+  char digits[16];
+  *std::to_chars(digits, digits + sizeof digits - 1, value).ptr = '\0';
+  line.appendText(digits);
+}
+
+}  // namespace
+
+void LineBuilder::appendUnsigned(std::uint32_t value) noexcept {
+  appendNumber(*this, value);
+}
+
+void LineBuilder::appendSigned(std::int32_t value) noexcept {
+  appendNumber(*this, value);
 }
 
 }  // namespace chipsim

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "LogLine.h"
 
@@ -12,6 +13,11 @@ class LineBuilder {
   LineBuilder() noexcept;
 
   void append(const char* format, ...) noexcept __attribute__((format(printf, 2, 3)));
+  // Plain text and decimal numbers, without a format to interpret: the
+  // arguments of every PD call are written with these.
+  void appendText(const char* text) noexcept;
+  void appendUnsigned(std::uint32_t value) noexcept;
+  void appendSigned(std::int32_t value) noexcept;
   const char* text() const noexcept { return text_; }
 
  private:

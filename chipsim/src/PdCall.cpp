@@ -17,8 +17,19 @@ void PdCall::argument(const char* label, const char* format, ...) noexcept {
   arguments_.append("%s%s=%s", argumentCount_++ == 0 ? "" : ", ", label, value);
 }
 
+void PdCall::label(const char* label) noexcept {
+  arguments_.appendText(argumentCount_++ == 0 ? "" : ", ");
+  arguments_.appendText(label);
+  arguments_.appendText("=");
+}
+
+void PdCall::unsignedArgument(const char* label, uint32_t value) noexcept {
+  this->label(label);
+  arguments_.appendUnsigned(value);
+}
+
 PdCall& PdCall::session(p4_pd_session_handle_t session) noexcept {
-  argument("sess", "%u", session);
+  unsignedArgument("sess", session);
   return *this;
 }
 
@@ -34,12 +45,12 @@ PdCall& PdCall::target(p4_pd_device_target_t target) noexcept {
 }
 
 PdCall& PdCall::handle(const char* label, uint32_t handle) noexcept {
-  argument(label, "%u", handle);
+  unsignedArgument(label, handle);
   return *this;
 }
 
 PdCall& PdCall::number(const char* label, uint32_t value) noexcept {
-  argument(label, "%u", value);
+  unsignedArgument(label, value);
   return *this;
 }
 
@@ -49,7 +60,8 @@ PdCall& PdCall::state(int32_t state) noexcept {
 }
 
 PdCall& PdCall::flag(const char* label, bool value) noexcept {
-  argument(label, "%s", value ? "true" : "false");
+  this->label(label);
+  arguments_.appendText(value ? "true" : "false");
   return *this;
 }
 
@@ -57,7 +69,7 @@ PdCall& PdCall::matchSpec(const MatchSpec* match) noexcept {
   if (match == nullptr) {
     argument("mirror_session", "NULL");
   } else {
-    argument("mirror_session", "%u", unsigned{match->ingMirrorMdMirrorSession});
+    unsignedArgument("mirror_session", match->ingMirrorMdMirrorSession);
   }
   return *this;
 }
@@ -66,7 +78,7 @@ PdCall& PdCall::actionSpec(const ActionSpec* action) noexcept {
   if (action == nullptr) {
     argument("selector", "NULL");
   } else {
-    argument("selector", "%u", unsigned{action->lagMemberSelector});
+    unsignedArgument("selector", action->lagMemberSelector);
   }
   return *this;
 }
@@ -91,33 +103,37 @@ PdCall& PdCall::matchSpecOut(const MatchSpec* match) noexcept {
 }
 
 void PdCall::writeOutput(LineBuilder& line, const Output& output, bool written) const noexcept {
-  if (output.pointer == nullptr) {
-    line.append(" %s=NULL", output.label);
+  if (output.pointer != nullptr && !written) {
     return;
   }
-  if (!written) {
+  line.appendText(" ");
+  line.appendText(output.label);
+  line.appendText("=");
+  if (output.pointer == nullptr) {
+    line.appendText("NULL");
     return;
   }
   switch (output.kind) {
     case Output::handleValue:
-      line.append(" %s=%u", output.label, *static_cast<const uint32_t*>(output.pointer));
+      line.appendUnsigned(*static_cast<const uint32_t*>(output.pointer));
       break;
     case Output::flagValue:
-      line.append(" %s=%s", output.label,
-                  *static_cast<const bool*>(output.pointer) ? "true" : "false");
+      line.appendText(*static_cast<const bool*>(output.pointer) ? "true" : "false");
       break;
     case Output::matchSpecValue:
-      line.append(
-          " %s=%u", output.label,
-          unsigned{static_cast<const MatchSpec*>(output.pointer)->ingMirrorMdMirrorSession});
+      line.appendUnsigned(static_cast<const MatchSpec*>(output.pointer)->ingMirrorMdMirrorSession);
       break;
   }
 }
 
 void PdCall::record(Chip& chip, pipe_status status, bool injected) const noexcept {
   LineBuilder line;
-  line.append("%s(%s) = %d%s", pdFunctionName(function_), arguments_.text(), status,
-              injected ? " (injected)" : "");
+  line.appendText(pdFunctionName(function_));
+  line.appendText("(");
+  line.appendText(arguments_.text());
+  line.appendText(") = ");
+  line.appendSigned(status);
+  line.appendText(injected ? " (injected)" : "");
   bool written = status == kSuccess && !injected;
   for (std::size_t i = 0; i < outputCount_; ++i) {
     writeOutput(line, outputs_[i], written);

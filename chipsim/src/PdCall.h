@@ -65,6 +65,9 @@ class PdCall {
   };
   static constexpr std::size_t kMaxOutputs = 3;
 
+  // Starts the next argument: separator, label and "=".
+  void label(const char* label) noexcept;
+  void unsignedArgument(const char* label, std::uint32_t value) noexcept;
   void argument(const char* label, const char* format, ...) noexcept
       __attribute__((format(printf, 3, 4)));
   PdCall& output(Output::Kind kind, const char* label, const void* pointer) noexcept;
