@@ -1,8 +1,8 @@
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
 
-#include "support/ChipContents.h"
 #include "ShadowChipTest.h"
 #include "Vel/Allocate.h"
+#include "support/ChipContents.h"
 
 namespace shadow_test {
 namespace {

@@ -32,8 +32,9 @@ TEST_F(StatusManagerTest, RecordsEveryOperationInOrderWithItsArgument) {
   manager->resyncSelAdtStatus();
   manager->initAdtStatus(0);
   const std::vector<StatusManagerCall> expected = {
-      {"initStatus", match, 0},   {"initAdtStatus", nullptr, 7}, {"initSelGroupStatus", nullptr, 3},
-      {"resyncStatus", nullptr, 0}, {"resyncSelAdtStatus", nullptr, 0}, {"initAdtStatus", nullptr, 0}};
+      {"initStatus", match, 0},           {"initAdtStatus", nullptr, 7},
+      {"initSelGroupStatus", nullptr, 3}, {"resyncStatus", nullptr, 0},
+      {"resyncSelAdtStatus", nullptr, 0}, {"initAdtStatus", nullptr, 0}};
   EXPECT_EQ(manager->calls(), expected);
 }
 
@@ -46,8 +47,9 @@ TEST_F(StatusManagerTest, CallsReadAsTextLines) {
   std::vector<Vel::String> lines;
   for (const auto& call : manager->calls())
     lines.push_back(call.text());
-  EXPECT_EQ(lines, (std::vector<Vel::String>{"initStatus", "initAdtStatus 7", "initSelGroupStatus 3",
-                                             "resyncStatus", "resyncSelAdtStatus"}));
+  EXPECT_EQ(lines,
+            (std::vector<Vel::String>{"initStatus", "initAdtStatus 7", "initSelGroupStatus 3",
+                                      "resyncStatus", "resyncSelAdtStatus"}));
 }
 
 TEST_F(StatusManagerTest, InitStatusKeepsTheVeryMatchObject) {
