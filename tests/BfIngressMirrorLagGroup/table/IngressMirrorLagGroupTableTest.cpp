@@ -23,6 +23,18 @@ using testing::ElementsAre;
 
 const std::string kTarget = targetArgs(7, 3, 2);
 
+// The log line of a successful add of an entry for `session` pointing at
+// member `mbr` (or group `grp`), answering `handle`.
+std::string addEntryLine(unsigned session, std::uint32_t mbr, std::uint32_t handle) {
+  return kAddEntry + "(" + kTarget + ", mirror_session=" + std::to_string(session) +
+         ", mbr=" + std::to_string(mbr) + ") = 0 entry=" + std::to_string(handle);
+}
+
+std::string addEntryWithSelectorLine(unsigned session, std::uint32_t grp, std::uint32_t handle) {
+  return kAddEntryWithSelector + "(" + kTarget + ", mirror_session=" + std::to_string(session) +
+         ", grp=" + std::to_string(grp) + ") = 0 entry=" + std::to_string(handle);
+}
+
 class IngressMirrorLagGroupTableTest : public TableTest {};
 
 TEST_F(IngressMirrorLagGroupTableTest, IsAnUnnamedEntityWithItsTypeRecord) {
@@ -57,9 +69,7 @@ TEST_F(IngressMirrorLagGroupTableTest, AddOfAMemberEntryCallsAddEntryAndStoresTh
   table->entryIs(memberEntry(match, 11));
   const std::uint32_t handle = registry().entry(match);
   ASSERT_NE(handle, 0u);
-  EXPECT_THAT(logLines(), ElementsAre(kAddEntry + "(" + kTarget +
-                                      ", mirror_session=5, mbr=" + std::to_string(mbr) +
-                                      ") = 0 entry=" + std::to_string(handle)));
+  EXPECT_THAT(logLines(), ElementsAre(addEntryLine(5, mbr, handle)));
   EXPECT_EQ(chip.entries(), 1u);
   EXPECT_EQ(registry().entries().size(), 1u);
   std::uint16_t selector = 0;
@@ -77,9 +87,7 @@ TEST_F(IngressMirrorLagGroupTableTest, AMatchRegisteredWithHandleZeroIsAddedForA
   table->entryIs(memberEntry(match, 11));
   const std::uint32_t handle = registry().entry(match);
   ASSERT_NE(handle, 0u);
-  EXPECT_THAT(logLines(), ElementsAre(kAddEntry + "(" + kTarget +
-                                      ", mirror_session=5, mbr=" + std::to_string(mbr) +
-                                      ") = 0 entry=" + std::to_string(handle)));
+  EXPECT_THAT(logLines(), ElementsAre(addEntryLine(5, mbr, handle)));
   EXPECT_EQ(registry().entries().size(), 1u);
 }
 
@@ -91,9 +99,7 @@ TEST_F(IngressMirrorLagGroupTableTest, AMatchRegisteredWithHandleZeroIsAddedForA
   table->entryIs(groupEntry(match, 4));
   const std::uint32_t handle = registry().entry(match);
   ASSERT_NE(handle, 0u);
-  EXPECT_THAT(logLines(), ElementsAre(kAddEntryWithSelector + "(" + kTarget +
-                                      ", mirror_session=6, grp=" + std::to_string(grp) +
-                                      ") = 0 entry=" + std::to_string(handle)));
+  EXPECT_THAT(logLines(), ElementsAre(addEntryWithSelectorLine(6, grp, handle)));
   EXPECT_EQ(registry().entries().size(), 1u);
 }
 
@@ -104,9 +110,7 @@ TEST_F(IngressMirrorLagGroupTableTest, AddOfAGroupEntryCallsAddEntryWithSelector
   table->entryIs(groupEntry(match, 4));
   const std::uint32_t handle = registry().entry(match);
   ASSERT_NE(handle, 0u);
-  EXPECT_THAT(logLines(), ElementsAre(kAddEntryWithSelector + "(" + kTarget +
-                                      ", mirror_session=6, grp=" + std::to_string(grp) +
-                                      ") = 0 entry=" + std::to_string(handle)));
+  EXPECT_THAT(logLines(), ElementsAre(addEntryWithSelectorLine(6, grp, handle)));
 }
 
 TEST_F(IngressMirrorLagGroupTableTest, WritingAMatchTwiceAddsThenModifiesWithTheFirstHandle) {
