@@ -1,6 +1,7 @@
 #include "CallLog.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <cstring>
 
 namespace chipsim {
 
@@ -9,7 +10,9 @@ CallLog::CallLog(ChipHeader& header, Journal& journal, LogLine* lines) noexcept
 
 void CallLog::append(const char* text) noexcept {
   LogLine& spare = lines_[(header_.logHead + header_.logCount) % slots()];
-  std::snprintf(spare.text, sizeof spare.text, "%s", text);
+  const std::size_t size = std::min(std::strlen(text), sizeof spare.text - 1);
+  std::memcpy(spare.text, text, size);
+  spare.text[size] = '\0';
   if (header_.logCount < header_.config.log_lines) {
     journal_.set(header_.logCount, header_.logCount + 1);
   } else {

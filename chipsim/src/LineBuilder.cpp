@@ -2,28 +2,12 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdarg>
-#include <cstdio>
 #include <cstring>
 
 namespace chipsim {
 
-LineBuilder::LineBuilder() noexcept : text_{}, length_(0) {}
-
-void LineBuilder::append(const char* format, ...) noexcept {
-  if (length_ + 1 >= sizeof text_) {
-    return;
-  }
-  va_list arguments;
-  va_start(arguments, format);
-  int written = std::vsnprintf(text_ + length_, sizeof text_ - length_, format, arguments);
-  va_end(arguments);
-  if (written > 0) {
-    length_ += static_cast<std::size_t>(written);
-    if (length_ >= sizeof text_) {
-      length_ = sizeof text_ - 1;
-    }
-  }
+LineBuilder::LineBuilder() noexcept : length_(0) {
+  text_[0] = '\0';
 }
 
 void LineBuilder::appendText(const char* text) noexcept {
@@ -37,9 +21,9 @@ void LineBuilder::appendText(const char* text) noexcept {
 namespace {
 
 template <class Number>
-void appendNumber(LineBuilder& line, Number value) noexcept {
+void appendNumber(LineBuilder& line, Number value, int base = 10) noexcept {
   char digits[16];
-  *std::to_chars(digits, digits + sizeof digits - 1, value).ptr = '\0';
+  *std::to_chars(digits, digits + sizeof digits - 1, value, base).ptr = '\0';
   line.appendText(digits);
 }
 
@@ -51,6 +35,11 @@ void LineBuilder::appendUnsigned(std::uint32_t value) noexcept {
 
 void LineBuilder::appendSigned(std::int32_t value) noexcept {
   appendNumber(*this, value);
+}
+
+void LineBuilder::appendHex(std::uint32_t value) noexcept {
+  appendText("0x");
+  appendNumber(*this, value, 16);
 }
 
 }  // namespace chipsim

@@ -12,12 +12,13 @@ class LineBuilder {
  public:
   LineBuilder() noexcept;
 
-  void append(const char* format, ...) noexcept __attribute__((format(printf, 2, 3)));
-  // Plain text and decimal numbers, without a format to interpret: the
-  // arguments of every PD call are written with these.
+  // Plain text, decimal numbers and "0x"-prefixed hexadecimal numbers,
+  // without a format to interpret: the arguments of every PD call are
+  // written with these.
   void appendText(const char* text) noexcept;
   void appendUnsigned(std::uint32_t value) noexcept;
   void appendSigned(std::int32_t value) noexcept;
+  void appendHex(std::uint32_t value) noexcept;
   const char* text() const noexcept { return text_; }
 
  private:

@@ -1,21 +1,9 @@
 #include "PdCall.h"
 
-#include <cstdarg>
-#include <cstdio>
-
 namespace chipsim {
 
 PdCall::PdCall(PdFunction function) noexcept
     : function_(function), argumentCount_(0), outputs_{}, outputCount_(0) {}
-
-void PdCall::argument(const char* label, const char* format, ...) noexcept {
-  char value[64];
-  va_list arguments;
-  va_start(arguments, format);
-  std::vsnprintf(value, sizeof value, format, arguments);
-  va_end(arguments);
-  arguments_.append("%s%s=%s", argumentCount_++ == 0 ? "" : ", ", label, value);
-}
 
 void PdCall::label(const char* label) noexcept {
   arguments_.appendText(argumentCount_++ == 0 ? "" : ", ");
@@ -28,19 +16,30 @@ void PdCall::unsignedArgument(const char* label, uint32_t value) noexcept {
   arguments_.appendUnsigned(value);
 }
 
+void PdCall::signedArgument(const char* label, int32_t value) noexcept {
+  this->label(label);
+  arguments_.appendSigned(value);
+}
+
+void PdCall::textArgument(const char* label, const char* text) noexcept {
+  this->label(label);
+  arguments_.appendText(text);
+}
+
 PdCall& PdCall::session(p4_pd_session_handle_t session) noexcept {
   unsignedArgument("sess", session);
   return *this;
 }
 
 PdCall& PdCall::device(p4_pd_device_id_t deviceId) noexcept {
-  argument("dev", "%d", deviceId);
+  signedArgument("dev", deviceId);
   return *this;
 }
 
 PdCall& PdCall::target(p4_pd_device_target_t target) noexcept {
   device(target.device_id);
-  argument("pipe", "0x%x", target.pipe_id);
+  label("pipe");
+  arguments_.appendHex(target.pipe_id);
   return *this;
 }
 
@@ -55,7 +54,7 @@ PdCall& PdCall::number(const char* label, uint32_t value) noexcept {
 }
 
 PdCall& PdCall::state(int32_t state) noexcept {
-  argument("state", "%d", state);
+  signedArgument("state", state);
   return *this;
 }
 
@@ -67,7 +66,7 @@ PdCall& PdCall::flag(const char* label, bool value) noexcept {
 
 PdCall& PdCall::matchSpec(const MatchSpec* match) noexcept {
   if (match == nullptr) {
-    argument("mirror_session", "NULL");
+    textArgument("mirror_session", "NULL");
   } else {
     unsignedArgument("mirror_session", match->ingMirrorMdMirrorSession);
   }
@@ -76,7 +75,7 @@ PdCall& PdCall::matchSpec(const MatchSpec* match) noexcept {
 
 PdCall& PdCall::actionSpec(const ActionSpec* action) noexcept {
   if (action == nullptr) {
-    argument("selector", "NULL");
+    textArgument("selector", "NULL");
   } else {
     unsignedArgument("selector", action->lagMemberSelector);
   }

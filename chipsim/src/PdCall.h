@@ -68,8 +68,8 @@ class PdCall {
   // Starts the next argument: separator, label and "=".
   void label(const char* label) noexcept;
   void unsignedArgument(const char* label, std::uint32_t value) noexcept;
-  void argument(const char* label, const char* format, ...) noexcept
-      __attribute__((format(printf, 3, 4)));
+  void signedArgument(const char* label, std::int32_t value) noexcept;
+  void textArgument(const char* label, const char* text) noexcept;
   PdCall& output(Output::Kind kind, const char* label, const void* pointer) noexcept;
   void writeOutput(LineBuilder& line, const Output& output, bool written) const noexcept;
   void record(Chip& chip, pipe_status status, bool injected) const noexcept;

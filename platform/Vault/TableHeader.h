@@ -12,7 +12,7 @@ namespace Vault {
 // died before it was finished has no magic and is made again.
 struct TableHeader {
   static constexpr std::uint64_t kMagic = 0x3142544c54554156ull;  // "VAULTTB1"
-  static constexpr std::uint32_t kVersion = 1;
+  static constexpr std::uint32_t kVersion = 2;
 
   std::uint64_t magic;
   std::uint32_t version;

@@ -136,7 +136,7 @@ TEST_F(CorruptionTest, BadMagic) {
 
 TEST_F(CorruptionTest, BadVersion) {
   forgeHeader([](Vault::TableHeader& h) { h.version = 7; });
-  EXPECT_EQ(read().corruption, message("version 7, expected 1"));
+  EXPECT_EQ(read().corruption, message("version 7, expected 2"));
 }
 
 TEST_F(CorruptionTest, BadHeaderSize) {
