@@ -14,13 +14,12 @@ typename Map::Value handleOf(const Map& map, const typename Map::Key& key) {
   return slot ? slot->value() : typename Map::Value{0};
 }
 
+// Most keys are new (a handle is registered after its object was created):
+// one look-up adds them, and a present key keeps its slot with the new handle.
 template <class Map>
 void overwriteOrAdd(Map& map, const typename Map::Key& key, typename Map::Value handle) {
-  if (const auto slot = map.find(key)) {
-    slot->valueIs(handle);
-    return;
-  }
-  map.insert(key, handle);
+  if (!map.insert(key, handle))
+    map.find(key)->valueIs(handle);
 }
 
 template <class Map>

@@ -8,10 +8,10 @@ namespace chipsim {
 CallLog::CallLog(ChipHeader& header, Journal& journal, LogLine* lines) noexcept
     : header_(header), journal_(journal), lines_(lines) {}
 
-void CallLog::append(const char* text) noexcept {
+void CallLog::append(std::string_view text) noexcept {
   LogLine& spare = lines_[(header_.logHead + header_.logCount) % slots()];
-  const std::size_t size = std::min(std::strlen(text), sizeof spare.text - 1);
-  std::memcpy(spare.text, text, size);
+  const std::size_t size = std::min(text.size(), sizeof spare.text - 1);
+  std::memcpy(spare.text, text.data(), size);
   spare.text[size] = '\0';
   if (header_.logCount < header_.config.log_lines) {
     journal_.set(header_.logCount, header_.logCount + 1);

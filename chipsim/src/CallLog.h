@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "ChipHeader.h"
 #include "Journal.h"
@@ -15,7 +16,7 @@ class CallLog {
  public:
   CallLog(ChipHeader& header, Journal& journal, LogLine* lines) noexcept;
 
-  void append(const char* text) noexcept;
+  void append(std::string_view text) noexcept;
   uint32_t count() const noexcept { return header_.logCount; }
   // Line `index` (0: the oldest kept), or nullptr.
   const char* line(uint32_t index) const noexcept;

@@ -10,10 +10,9 @@ LineBuilder::LineBuilder() noexcept : length_(0) {
   text_[0] = '\0';
 }
 
-void LineBuilder::appendText(const char* text) noexcept {
-  const std::size_t room = sizeof text_ - 1 - length_;
-  const std::size_t size = std::min(std::strlen(text), room);
-  std::memcpy(text_ + length_, text, size);
+void LineBuilder::appendText(std::string_view text) noexcept {
+  const std::size_t size = std::min(text.size(), sizeof text_ - 1 - length_);
+  std::memcpy(text_ + length_, text.data(), size);
   length_ += size;
   text_[length_] = '\0';
 }
@@ -23,8 +22,8 @@ namespace {
 template <class Number>
 void appendNumber(LineBuilder& line, Number value, int base = 10) noexcept {
   char digits[16];
-  *std::to_chars(digits, digits + sizeof digits - 1, value, base).ptr = '\0';
-  line.appendText(digits);
+  const char* end = std::to_chars(digits, digits + sizeof digits, value, base).ptr;
+  line.appendText(std::string_view(digits, static_cast<std::size_t>(end - digits)));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "LogLine.h"
 
@@ -15,11 +16,13 @@ class LineBuilder {
   // Plain text, decimal numbers and "0x"-prefixed hexadecimal numbers,
   // without a format to interpret: the arguments of every PD call are
   // written with these.
-  void appendText(const char* text) noexcept;
+  // Text given as a literal or a view has its length known, without a scan.
+  void appendText(std::string_view text) noexcept;
   void appendUnsigned(std::uint32_t value) noexcept;
   void appendSigned(std::int32_t value) noexcept;
   void appendHex(std::uint32_t value) noexcept;
   const char* text() const noexcept { return text_; }
+  std::string_view view() const noexcept { return {text_, length_}; }
 
  private:
   char text_[LogLine::kSize];

@@ -129,7 +129,7 @@ void PdCall::record(Chip& chip, pipe_status status, bool injected) const noexcep
   LineBuilder line;
   line.appendText(pdFunctionName(function_));
   line.appendText("(");
-  line.appendText(arguments_.text());
+  line.appendText(arguments_.view());
   line.appendText(") = ");
   line.appendSigned(status);
   line.appendText(injected ? " (injected)" : "");
@@ -137,7 +137,7 @@ void PdCall::record(Chip& chip, pipe_status status, bool injected) const noexcep
   for (std::size_t i = 0; i < outputCount_; ++i) {
     writeOutput(line, outputs_[i], written);
   }
-  chip.log().append(line.text());
+  chip.log().append(line.view());
 }
 
 }  // namespace chipsim

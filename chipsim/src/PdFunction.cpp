@@ -7,7 +7,7 @@ namespace chipsim {
 namespace {
 
 // In the order of the enumeration.
-constexpr std::array<const char*, kPdFunctionCount> kNames = {
+constexpr std::array<std::string_view, kPdFunctionCount> kNames = {
     "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry",
     "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_with_selector",
     "p4_pd_kestro_switch_ingressMirrorLagGroup_modify_entry",
@@ -31,7 +31,7 @@ constexpr std::array<const char*, kPdFunctionCount> kNames = {
 
 }  // namespace
 
-const char* pdFunctionName(PdFunction function) noexcept {
+std::string_view pdFunctionName(PdFunction function) noexcept {
   return kNames[static_cast<std::size_t>(function)];
 }
 

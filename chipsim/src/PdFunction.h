@@ -32,7 +32,7 @@ enum class PdFunction : unsigned {
 inline constexpr std::size_t kPdFunctionCount = 19;
 
 // The exported C name of a PD function.
-const char* pdFunctionName(PdFunction function) noexcept;
+std::string_view pdFunctionName(PdFunction function) noexcept;
 
 // The PD function of an exported C name.
 std::optional<PdFunction> pdFunctionNamed(std::string_view name) noexcept;

@@ -72,6 +72,8 @@ class ShadowTable {
     }
     return std::nullopt;
   }
+  // Finished records and intents together.
+  std::size_t size() const noexcept { return byKey_.size(); }
   // Finished records, or intents, in key order.
   std::vector<R> records() const { return collect(false); }
   std::vector<R> intents() const { return collect(true); }

@@ -28,6 +28,8 @@ VaultKeyManager::VaultKeyManager(const std::string& baseName, Capacity capacity)
       groups_(std::make_unique<ShadowTable<SelGrpEntryConfig>>(selGrpTableName(baseName),
                                                                capacity.groups)) {
   keyCountIs(entries_->largestKey(isEntryKey));
+  // A restarted agent binds about one key per record it finds.
+  keys_.reserve(entries_->size());
 }
 
 VaultKeyManager::~VaultKeyManager() = default;

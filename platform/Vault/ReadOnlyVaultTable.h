@@ -18,18 +18,19 @@ namespace Vault {
 template <class R>
 class ReadOnlyVaultTable : public VaultBase<R> {
  public:
-  explicit ReadOnlyVaultTable(const std::string& name) : name_(SharedSegment::fullName(name)) {}
+  explicit ReadOnlyVaultTable(const std::string& name)
+      : name_(SharedSegment::fullName(name)), view_(nullptr, 0, name_) {}
 
   const std::string& name() const noexcept { return name_; }
 
   bool first(R& record, IterHint& hint) override {
     hint.reset();
-    segment_ = SharedSegment::openReadOnly(name_);
+    open();
     return seek(0, record, hint);
   }
   bool next(R& record, IterHint& hint) override {
     if (segment_ == nullptr) {
-      segment_ = SharedSegment::openReadOnly(name_);
+      open();
     }
     return seek(RecordWalk<R>::after(hint), record, hint);
   }
@@ -47,17 +48,24 @@ class ReadOnlyVaultTable : public VaultBase<R> {
   Counters readerCounters() override { throwUnsupported("readerCounters() not implemented"); }
 
  private:
+  // Maps the segment as it is now; the view of it serves every step of a walk.
+  void open() {
+    segment_ = SharedSegment::openReadOnly(name_);
+    if (segment_ != nullptr) {
+      view_ = TableView(segment_->bytes(), segment_->size(), name_);
+    }
+  }
   bool seek(std::uint32_t from, R& record, IterHint& hint) {
     if (segment_ == nullptr) {
       return false;
     }
-    TableView view(segment_->bytes(), segment_->size(), name_);
-    TableLayout layout = view.checkHeader(R::vaultRecordType, sizeof(R));
-    return RecordWalk<R>::seek(view, layout, from, SlotState::InUse, record, hint);
+    TableLayout layout = view_.checkHeader(R::vaultRecordType, sizeof(R));
+    return RecordWalk<R>::seek(view_, layout, from, SlotState::InUse, record, hint);
   }
 
   std::string name_;
   std::unique_ptr<SharedSegment> segment_;
+  TableView view_;  // of segment_, while there is one
 };
 
 }  // namespace Vault
