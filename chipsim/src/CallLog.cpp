@@ -1,18 +1,12 @@
 #include "CallLog.h"
 
-#include <algorithm>
-#include <cstring>
-
 namespace chipsim {
 
-CallLog::CallLog(ChipHeader& header, Journal& journal, LogLine* lines) noexcept
-    : header_(header), journal_(journal), lines_(lines) {}
+CallLog::CallLog(ChipHeader& header, Journal& journal, LogRecord* records) noexcept
+    : header_(header), journal_(journal), records_(records) {}
 
-void CallLog::append(std::string_view text) noexcept {
-  LogLine& spare = lines_[(header_.logHead + header_.logCount) % slots()];
-  const std::size_t size = std::min(text.size(), sizeof spare.text - 1);
-  std::memcpy(spare.text, text.data(), size);
-  spare.text[size] = '\0';
+void CallLog::append(const LogRecord& record) noexcept {
+  records_[(header_.logHead + header_.logCount) % slots()] = record;
   if (header_.logCount < header_.config.log_lines) {
     journal_.set(header_.logCount, header_.logCount + 1);
   } else {
@@ -20,11 +14,11 @@ void CallLog::append(std::string_view text) noexcept {
   }
 }
 
-const char* CallLog::line(uint32_t index) const noexcept {
+const LogRecord* CallLog::record(uint32_t index) const noexcept {
   if (index >= header_.logCount) {
     return nullptr;
   }
-  return lines_[(header_.logHead + index) % slots()].text;
+  return &records_[(header_.logHead + index) % slots()];
 }
 
 void CallLog::clear() noexcept {

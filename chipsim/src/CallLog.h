@@ -1,25 +1,24 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 
 #include "ChipHeader.h"
 #include "Journal.h"
-#include "LogLine.h"
+#include "LogRecord.h"
 
 namespace chipsim {
 
-// The chip's call log: a ring of the last log_lines lines, oldest first. The
-// ring has one line more than it keeps; a new line is written there and only
-// then counted, so a process dying while it writes spoils no kept line.
+// The chip's call log: a ring of the last log_lines calls, oldest first. The
+// ring has one record more than it keeps; a new record is written there and
+// only then counted, so a process dying while it writes spoils no kept record.
 class CallLog {
  public:
-  CallLog(ChipHeader& header, Journal& journal, LogLine* lines) noexcept;
+  CallLog(ChipHeader& header, Journal& journal, LogRecord* records) noexcept;
 
-  void append(std::string_view text) noexcept;
+  void append(const LogRecord& record) noexcept;
   uint32_t count() const noexcept { return header_.logCount; }
-  // Line `index` (0: the oldest kept), or nullptr.
-  const char* line(uint32_t index) const noexcept;
+  // Record `index` (0: the oldest kept), or nullptr.
+  const LogRecord* record(uint32_t index) const noexcept;
   void clear() noexcept;
 
  private:
@@ -27,7 +26,7 @@ class CallLog {
 
   ChipHeader& header_;
   Journal& journal_;
-  LogLine* lines_;
+  LogRecord* records_;
 };
 
 }  // namespace chipsim

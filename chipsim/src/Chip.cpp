@@ -9,7 +9,7 @@
 #include "GroupSlot.h"
 #include "JournalRecord.h"
 #include "KillSwitch.h"
-#include "LogLine.h"
+#include "LogRecord.h"
 #include "MemberRecord.h"
 
 namespace chipsim {
@@ -44,7 +44,7 @@ Chip::Chip(std::byte* base) noexcept
               members_),
       table_(header_, journal_, at<EntryRecord>(layout_.entries), at<uint32_t>(layout_.keyIndex),
              members_, groups_),
-      log_(header_, journal_, at<LogLine>(layout_.logLines)),
+      log_(header_, journal_, at<LogRecord>(layout_.logRecords)),
       calls_(header_, journal_) {}
 
 void Chip::format(std::byte* base, const chipsim_config& config) noexcept {

@@ -154,15 +154,16 @@ uint32_t chipsim_log_count(void) {
 }
 
 const char* chipsim_log_line(uint32_t index) {
-  thread_local char copy[chipsim::LogLine::kSize];
+  thread_local chipsim::LineBuilder line;
   bool found = readChip<bool>(false, [&](Chip& chip) {
-    const char* line = chip.log().line(index);
-    if (line != nullptr) {
-      std::snprintf(copy, sizeof copy, "%s", line);
+    const chipsim::LogRecord* record = chip.log().record(index);
+    if (record != nullptr) {
+      line = chipsim::LineBuilder();
+      record->formatInto(line);
     }
-    return line != nullptr;
+    return record != nullptr;
   });
-  return found ? copy : nullptr;
+  return found ? line.text() : nullptr;
 }
 
 void chipsim_log_clear(void) {

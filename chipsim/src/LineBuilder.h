@@ -4,19 +4,19 @@
 #include <cstdint>
 #include <string_view>
 
-#include "LogLine.h"
-
 namespace chipsim {
 
 // Builds one line of text in a fixed buffer, cutting what does not fit.
 class LineBuilder {
  public:
+  // The longest line, with its terminating NUL.
+  static constexpr std::size_t kSize = 256;
+
   LineBuilder() noexcept;
 
   // Plain text, decimal numbers and "0x"-prefixed hexadecimal numbers,
-  // without a format to interpret: the arguments of every PD call are
-  // written with these.
-  // Text given as a literal or a view has its length known, without a scan.
+  // without a format to interpret: the lines of the call log are written with
+  // these.
   void appendText(std::string_view text) noexcept;
   void appendUnsigned(std::uint32_t value) noexcept;
   void appendSigned(std::int32_t value) noexcept;
@@ -25,7 +25,7 @@ class LineBuilder {
   std::string_view view() const noexcept { return {text_, length_}; }
 
  private:
-  char text_[LogLine::kSize];
+  char text_[kSize];
   std::size_t length_;
 };
 

@@ -12,6 +12,7 @@
 
 using chipsim::ActionRef;
 using chipsim::Chip;
+using chipsim::LogLabel;
 using chipsim::PdCall;
 using chipsim::PdFunction;
 
@@ -29,8 +30,8 @@ pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry(p4_pd_session_ha
       .session(sess_hdl)
       .target(dev_tgt)
       .matchSpec(match_spec)
-      .handle("mbr", mbr_hdl)
-      .handleOut("entry", entry_hdl)
+      .handle(LogLabel::mbr, mbr_hdl)
+      .handleOut(LogLabel::entry, entry_hdl)
       .run([&](Chip& chip) {
         return chip.table().add(dev_tgt, match_spec, ActionRef::member(mbr_hdl), entry_hdl);
       });
@@ -43,8 +44,8 @@ pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_with_selector(
       .session(sess_hdl)
       .target(dev_tgt)
       .matchSpec(match_spec)
-      .handle("grp", grp_hdl)
-      .handleOut("entry", entry_hdl)
+      .handle(LogLabel::grp, grp_hdl)
+      .handleOut(LogLabel::entry, entry_hdl)
       .run([&](Chip& chip) {
         return chip.table().add(dev_tgt, match_spec, ActionRef::group(grp_hdl), entry_hdl);
       });
@@ -57,8 +58,8 @@ pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_modify_entry(p4_pd_session
   return PdCall(PdFunction::modifyEntry)
       .session(sess_hdl)
       .device(dev_id)
-      .handle("entry", entry_hdl)
-      .handle("mbr", mbr_hdl)
+      .handle(LogLabel::entry, entry_hdl)
+      .handle(LogLabel::mbr, mbr_hdl)
       .run([&](Chip& chip) {
         return chip.table().modify(dev_id, entry_hdl, ActionRef::member(mbr_hdl));
       });
@@ -70,8 +71,8 @@ pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_modify_entry_with_selector
   return PdCall(PdFunction::modifyEntryWithSelector)
       .session(sess_hdl)
       .device(dev_id)
-      .handle("entry", entry_hdl)
-      .handle("grp", grp_hdl)
+      .handle(LogLabel::entry, entry_hdl)
+      .handle(LogLabel::grp, grp_hdl)
       .run([&](Chip& chip) {
         return chip.table().modify(dev_id, entry_hdl, ActionRef::group(grp_hdl));
       });
@@ -83,8 +84,8 @@ pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_set_default_entry(
   return PdCall(PdFunction::setDefaultEntry)
       .session(sess_hdl)
       .target(dev_tgt)
-      .handle("mbr", mbr_hdl)
-      .handleOut("entry", entry_hdl)
+      .handle(LogLabel::mbr, mbr_hdl)
+      .handleOut(LogLabel::entry, entry_hdl)
       .run([&](Chip& chip) {
         return chip.table().setDefault(dev_tgt, ActionRef::member(mbr_hdl), entry_hdl);
       });
@@ -96,8 +97,8 @@ pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_set_default_entry_with_sel
   return PdCall(PdFunction::setDefaultEntryWithSelector)
       .session(sess_hdl)
       .target(dev_tgt)
-      .handle("grp", grp_hdl)
-      .handleOut("entry", entry_hdl)
+      .handle(LogLabel::grp, grp_hdl)
+      .handleOut(LogLabel::entry, entry_hdl)
       .run([&](Chip& chip) {
         return chip.table().setDefault(dev_tgt, ActionRef::group(grp_hdl), entry_hdl);
       });
@@ -109,7 +110,7 @@ pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_table_delete(p4_pd_session
   return PdCall(PdFunction::tableDelete)
       .session(sess_hdl)
       .device(dev_id)
-      .handle("entry", entry_hdl)
+      .handle(LogLabel::entry, entry_hdl)
       .run([&](Chip& chip) { return chip.table().remove(dev_id, entry_hdl); });
 }
 
@@ -128,8 +129,8 @@ pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_set_property(p4_pd_session
   return PdCall(PdFunction::setProperty)
       .session(sess_hdl)
       .device(dev_id)
-      .number("property", property)
-      .number("value", value)
+      .number(LogLabel::property, property)
+      .number(LogLabel::value, value)
       .run([&](Chip& chip) { return chip.table().setProperty(dev_id, property, value); });
 }
 
@@ -139,11 +140,11 @@ pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry(
   return PdCall(PdFunction::getEntry)
       .session(sess_hdl)
       .device(dev_id)
-      .handle("entry", entry_hdl)
-      .flag("read_from_hw", read_from_hw)
+      .handle(LogLabel::entry, entry_hdl)
+      .flag(LogLabel::readFromHw, read_from_hw)
       .matchSpecOut(match_spec)
-      .handleOut("mbr_or_grp", member_or_group_hdl)
-      .flagOut("is_group", is_group)
+      .handleOut(LogLabel::mbrOrGrp, member_or_group_hdl)
+      .flagOut(LogLabel::isGroup, is_group)
       .run([&](Chip& chip) {
         return chip.table().read(dev_id, entry_hdl, match_spec, member_or_group_hdl, is_group);
       });
@@ -156,7 +157,7 @@ pipe_status p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_to_entry_hdl(
       .session(sess_hdl)
       .target(dev_tgt)
       .matchSpec(match_spec)
-      .handleOut("entry", entry_hdl)
+      .handleOut(LogLabel::entry, entry_hdl)
       .run([&](Chip& chip) { return chip.table().lookup(dev_tgt, match_spec, entry_hdl); });
 }
 
@@ -167,7 +168,7 @@ pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLa
       .session(sess_hdl)
       .target(dev_tgt)
       .actionSpec(action_spec)
-      .handleOut("mbr", mbr_hdl)
+      .handleOut(LogLabel::mbr, mbr_hdl)
       .run([&](Chip& chip) { return chip.members().add(dev_tgt, action_spec, mbr_hdl); });
 }
 
@@ -177,7 +178,7 @@ pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_modify_member_with_se
   return PdCall(PdFunction::modifyMember)
       .session(sess_hdl)
       .device(dev_id)
-      .handle("mbr", mbr_hdl)
+      .handle(LogLabel::mbr, mbr_hdl)
       .actionSpec(action_spec)
       .run([&](Chip& chip) { return chip.members().modify(dev_id, mbr_hdl, action_spec); });
 }
@@ -187,7 +188,7 @@ pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member(
   return PdCall(PdFunction::delMember)
       .session(sess_hdl)
       .device(dev_id)
-      .handle("mbr", mbr_hdl)
+      .handle(LogLabel::mbr, mbr_hdl)
       .run([&](Chip& chip) { return chip.members().remove(dev_id, mbr_hdl); });
 }
 
@@ -197,8 +198,8 @@ pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_create_group(
   return PdCall(PdFunction::createGroup)
       .session(sess_hdl)
       .target(dev_tgt)
-      .number("size", max_grp_size)
-      .handleOut("grp", grp_hdl)
+      .number(LogLabel::size, max_grp_size)
+      .handleOut(LogLabel::grp, grp_hdl)
       .run([&](Chip& chip) { return chip.groups().create(dev_tgt, max_grp_size, grp_hdl); });
 }
 
@@ -207,7 +208,7 @@ pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(
   return PdCall(PdFunction::delGroup)
       .session(sess_hdl)
       .device(dev_id)
-      .handle("grp", grp_hdl)
+      .handle(LogLabel::grp, grp_hdl)
       .run([&](Chip& chip) { return chip.groups().remove(dev_id, grp_hdl); });
 }
 
@@ -217,8 +218,8 @@ pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_to_group(
   return PdCall(PdFunction::addMemberToGroup)
       .session(sess_hdl)
       .device(dev_id)
-      .handle("grp", grp_hdl)
-      .handle("mbr", mbr_hdl)
+      .handle(LogLabel::grp, grp_hdl)
+      .handle(LogLabel::mbr, mbr_hdl)
       .run([&](Chip& chip) { return chip.groups().addMember(dev_id, grp_hdl, mbr_hdl); });
 }
 
@@ -228,8 +229,8 @@ pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group
   return PdCall(PdFunction::delMemberFromGroup)
       .session(sess_hdl)
       .device(dev_id)
-      .handle("grp", grp_hdl)
-      .handle("mbr", mbr_hdl)
+      .handle(LogLabel::grp, grp_hdl)
+      .handle(LogLabel::mbr, mbr_hdl)
       .run([&](Chip& chip) { return chip.groups().removeMember(dev_id, grp_hdl, mbr_hdl); });
 }
 
@@ -239,8 +240,8 @@ pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_se
   return PdCall(PdFunction::groupMemberStateSet)
       .session(sess_hdl)
       .device(dev_id)
-      .handle("grp", grp_hdl)
-      .handle("mbr", mbr_hdl)
+      .handle(LogLabel::grp, grp_hdl)
+      .handle(LogLabel::mbr, mbr_hdl)
       .state(state)
       .run([&](Chip& chip) {
         return chip.groups().setMemberState(dev_id, grp_hdl, mbr_hdl, state);

@@ -2,142 +2,109 @@
 
 namespace chipsim {
 
-PdCall::PdCall(PdFunction function) noexcept
-    : function_(function), argumentCount_(0), outputs_{}, outputCount_(0) {}
-
-void PdCall::label(const char* label) noexcept {
-  arguments_.appendText(argumentCount_++ == 0 ? "" : ", ");
-  arguments_.appendText(label);
-  arguments_.appendText("=");
+PdCall::PdCall(PdFunction function) noexcept : function_(function), record_{}, outputs_{} {
+  record_.function = static_cast<uint8_t>(function);
 }
 
-void PdCall::unsignedArgument(const char* label, uint32_t value) noexcept {
-  this->label(label);
-  arguments_.appendUnsigned(value);
-}
-
-void PdCall::signedArgument(const char* label, int32_t value) noexcept {
-  this->label(label);
-  arguments_.appendSigned(value);
-}
-
-void PdCall::textArgument(const char* label, const char* text) noexcept {
-  this->label(label);
-  arguments_.appendText(text);
+PdCall& PdCall::argument(LogLabel label, LogField::Kind kind, uint32_t value) noexcept {
+  if (record_.argumentCount < LogRecord::kMaxArguments) {
+    record_.arguments[record_.argumentCount++] = LogField{label, kind, 0, value};
+  }
+  return *this;
 }
 
 PdCall& PdCall::session(p4_pd_session_handle_t session) noexcept {
-  unsignedArgument("sess", session);
-  return *this;
+  return argument(LogLabel::sess, LogField::Kind::unsignedValue, session);
 }
 
 PdCall& PdCall::device(p4_pd_device_id_t deviceId) noexcept {
-  signedArgument("dev", deviceId);
-  return *this;
+  return argument(LogLabel::dev, LogField::Kind::signedValue, static_cast<uint32_t>(deviceId));
 }
 
 PdCall& PdCall::target(p4_pd_device_target_t target) noexcept {
   device(target.device_id);
-  label("pipe");
-  arguments_.appendHex(target.pipe_id);
-  return *this;
+  return argument(LogLabel::pipe, LogField::Kind::hexValue, target.pipe_id);
 }
 
-PdCall& PdCall::handle(const char* label, uint32_t handle) noexcept {
-  unsignedArgument(label, handle);
-  return *this;
+PdCall& PdCall::handle(LogLabel label, uint32_t handle) noexcept {
+  return argument(label, LogField::Kind::unsignedValue, handle);
 }
 
-PdCall& PdCall::number(const char* label, uint32_t value) noexcept {
-  unsignedArgument(label, value);
-  return *this;
+PdCall& PdCall::number(LogLabel label, uint32_t value) noexcept {
+  return argument(label, LogField::Kind::unsignedValue, value);
 }
 
 PdCall& PdCall::state(int32_t state) noexcept {
-  signedArgument("state", state);
-  return *this;
+  return argument(LogLabel::state, LogField::Kind::signedValue, static_cast<uint32_t>(state));
 }
 
-PdCall& PdCall::flag(const char* label, bool value) noexcept {
-  this->label(label);
-  arguments_.appendText(value ? "true" : "false");
-  return *this;
+PdCall& PdCall::flag(LogLabel label, bool value) noexcept {
+  return argument(label, LogField::Kind::flagValue, value ? 1u : 0u);
 }
 
 PdCall& PdCall::matchSpec(const MatchSpec* match) noexcept {
   if (match == nullptr) {
-    textArgument("mirror_session", "NULL");
-  } else {
-    unsignedArgument("mirror_session", match->ingMirrorMdMirrorSession);
+    return argument(LogLabel::mirrorSession, LogField::Kind::nullPointer, 0);
   }
-  return *this;
+  return argument(LogLabel::mirrorSession, LogField::Kind::unsignedValue,
+                  match->ingMirrorMdMirrorSession);
 }
 
 PdCall& PdCall::actionSpec(const ActionSpec* action) noexcept {
   if (action == nullptr) {
-    textArgument("selector", "NULL");
-  } else {
-    unsignedArgument("selector", action->lagMemberSelector);
+    return argument(LogLabel::selector, LogField::Kind::nullPointer, 0);
+  }
+  return argument(LogLabel::selector, LogField::Kind::unsignedValue, action->lagMemberSelector);
+}
+
+PdCall& PdCall::output(Output::Kind kind, LogLabel label, const void* pointer) noexcept {
+  if (record_.outputCount < LogRecord::kMaxOutputs) {
+    outputs_[record_.outputCount++] = {kind, label, pointer};
   }
   return *this;
 }
 
-PdCall& PdCall::output(Output::Kind kind, const char* label, const void* pointer) noexcept {
-  if (outputCount_ < kMaxOutputs) {
-    outputs_[outputCount_++] = {kind, label, pointer};
-  }
-  return *this;
-}
-
-PdCall& PdCall::handleOut(const char* label, const uint32_t* handle) noexcept {
+PdCall& PdCall::handleOut(LogLabel label, const uint32_t* handle) noexcept {
   return output(Output::handleValue, label, handle);
 }
 
-PdCall& PdCall::flagOut(const char* label, const bool* value) noexcept {
+PdCall& PdCall::flagOut(LogLabel label, const bool* value) noexcept {
   return output(Output::flagValue, label, value);
 }
 
 PdCall& PdCall::matchSpecOut(const MatchSpec* match) noexcept {
-  return output(Output::matchSpecValue, "mirror_session", match);
+  return output(Output::matchSpecValue, LogLabel::mirrorSession, match);
 }
 
-void PdCall::writeOutput(LineBuilder& line, const Output& output, bool written) const noexcept {
-  if (output.pointer != nullptr && !written) {
-    return;
-  }
-  line.appendText(" ");
-  line.appendText(output.label);
-  line.appendText("=");
+LogField PdCall::outputField(const Output& output, bool written) noexcept {
   if (output.pointer == nullptr) {
-    line.appendText("NULL");
-    return;
+    return {output.label, LogField::Kind::nullPointer, 0, 0};
+  }
+  if (!written) {
+    return {output.label, LogField::Kind::unwritten, 0, 0};
   }
   switch (output.kind) {
     case Output::handleValue:
-      line.appendUnsigned(*static_cast<const uint32_t*>(output.pointer));
-      break;
+      return {output.label, LogField::Kind::unsignedValue, 0,
+              *static_cast<const uint32_t*>(output.pointer)};
     case Output::flagValue:
-      line.appendText(*static_cast<const bool*>(output.pointer) ? "true" : "false");
-      break;
+      return {output.label, LogField::Kind::flagValue, 0,
+              *static_cast<const bool*>(output.pointer) ? 1u : 0u};
     case Output::matchSpecValue:
-      line.appendUnsigned(static_cast<const MatchSpec*>(output.pointer)->ingMirrorMdMirrorSession);
-      break;
+      return {output.label, LogField::Kind::unsignedValue, 0,
+              static_cast<const MatchSpec*>(output.pointer)->ingMirrorMdMirrorSession};
   }
+  return {output.label, LogField::Kind::unwritten, 0, 0};
 }
 
-void PdCall::record(Chip& chip, pipe_status status, bool injected) const noexcept {
-  LineBuilder line;
-  line.appendText(pdFunctionName(function_));
-  line.appendText("(");
-  line.appendText(arguments_.view());
-  line.appendText(") = ");
-  line.appendSigned(status);
-  line.appendText(injected ? " (injected)" : "");
-  bool written = status == kSuccess && !injected;
-  for (std::size_t i = 0; i < outputCount_; ++i) {
-    writeOutput(line, outputs_[i], written);
+void PdCall::record(Chip& chip, pipe_status status, bool injected) noexcept {
+  record_.status = status;
+  record_.injected = injected ? 1 : 0;
+  const bool written = status == kSuccess && !injected;
+  for (uint8_t i = 0; i < record_.outputCount; ++i) {
+    record_.outputs[i] = outputField(outputs_[i], written);
   }
-  chip.log().append(line.view());
+  chip.log().append(record_);
 }
 
 }  // namespace chipsim

@@ -5,7 +5,7 @@
 #include "GroupRecord.h"
 #include "GroupSlot.h"
 #include "JournalRecord.h"
-#include "LogLine.h"
+#include "LogRecord.h"
 #include "MemberRecord.h"
 
 namespace chipsim {
@@ -50,7 +50,7 @@ std::optional<SegmentLayout> SegmentLayout::of(const chipsim_config& config) noe
   layout.members = place<MemberRecord>(size, config.members);
   layout.groups = place<GroupRecord>(size, config.groups);
   layout.groupSlots = place<GroupSlot>(size, uint64_t{config.groups} * config.max_group_size);
-  layout.logLines = place<LogLine>(size, uint64_t{config.log_lines} + 1);
+  layout.logRecords = place<LogRecord>(size, uint64_t{config.log_lines} + 1);
   layout.size = place<char>(size, 0);
   if (layout.size > kMaxSize) {
     return std::nullopt;

@@ -19,7 +19,7 @@ struct SegmentLayout {
   uint64_t members;     // MemberRecord[members]
   uint64_t groups;      // GroupRecord[groups]
   uint64_t groupSlots;  // GroupSlot[groups * max_group_size]
-  uint64_t logLines;    // LogLine[log_lines + 1], one always free for the next line
+  uint64_t logRecords;  // LogRecord[log_lines + 1], one always free for the next call
   uint64_t size;
 
   // The layout of a valid make-up; nothing for a make-up out of range.
