@@ -13,9 +13,11 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
 #include "ChipSymbol.h"
@@ -105,13 +107,18 @@ Fixture& fixture() {
 }
 
 double gMeanMs = 0;
+double gMedianMs = 0;
+double gMinMs = 0;
 double gRssKiB = 0;
 double gHeapKiB = 0;
 
 void factoryReplay(benchmark::State& state) {
   Fixture& f = fixture();
-  // Memory of one adoption, measured once before the timed runs.
-  {
+  // Memory of one adoption, measured once, before the first timed run (the
+  // peak resident size only grows).
+  static bool measured = false;
+  if (!measured) {
+    measured = true;
     auto keys = f.attach();
     const long rssBefore = maxRssKiB();
     const std::size_t heapBefore = mallinfo2().uordblks;
@@ -175,7 +182,17 @@ void chipReadBack(benchmark::State& state) {
   state.counters["records"] = kEntries;
 }
 
-BENCHMARK(factoryReplay)->Unit(benchmark::kMillisecond)->Iterations(20);
+double minimum(const std::vector<double>& times) {
+  return *std::min_element(times.begin(), times.end());
+}
+
+// Five runs of 20 factory calls: this machine's speed drifts from run to run,
+// so the summary gives the median and the fastest run besides the mean.
+BENCHMARK(factoryReplay)
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(20)
+    ->Repetitions(5)
+    ->ComputeStatistics("min", minimum);
 BENCHMARK(shadowWalk)->Unit(benchmark::kMillisecond)->Iterations(20);
 BENCHMARK(chipReadBack)->Unit(benchmark::kMillisecond)->Iterations(20);
 
@@ -185,17 +202,23 @@ class SummaryReporter : public benchmark::ConsoleReporter {
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
     for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Iteration && !run.error_occurred &&
-          run.benchmark_name().rfind("factoryReplay", 0) == 0)
+      if (run.run_type != Run::RT_Aggregate || run.error_occurred ||
+          run.run_name.function_name != "factoryReplay")
+        continue;
+      if (run.aggregate_name == "mean")
         gMeanMs = run.GetAdjustedRealTime();
+      else if (run.aggregate_name == "median")
+        gMedianMs = run.GetAdjustedRealTime();
+      else if (run.aggregate_name == "min")
+        gMinMs = run.GetAdjustedRealTime();
     }
   }
   void Finalize() override {
     ConsoleReporter::Finalize();
     std::printf(
-        "\nfactory replay of %u entry records: %.2f ms (target: under 50 ms), peak resident "
-        "size +%.0f KiB, heap in use +%.0f KiB\n",
-        kEntries, gMeanMs, gRssKiB, gHeapKiB);
+        "\nfactory replay of %u entry records: median %.2f ms, mean %.2f ms, fastest run %.2f ms "
+        "(target: under 50 ms), peak resident size +%.0f KiB, heap in use +%.0f KiB\n",
+        kEntries, gMedianMs, gMeanMs, gMinMs, gRssKiB, gHeapKiB);
   }
 };
 
