@@ -6,18 +6,14 @@
 
 namespace Vel {
 
-namespace {
+namespace detail {
 
-std::atomic<bool> threadSafe{false};
+std::atomic<bool> threadSafePtrOn{false};
 
-}  // namespace
+}  // namespace detail
 
 void threadSafePtrIs(bool on) noexcept {
-  threadSafe.store(on, std::memory_order_seq_cst);
-}
-
-bool threadSafePtr() noexcept {
-  return threadSafe.load(std::memory_order_relaxed);
+  detail::threadSafePtrOn.store(on, std::memory_order_seq_cst);
 }
 
 NotifieeList* PtrInterface::notifieeList() const {
@@ -37,31 +33,6 @@ const TypeRecord* PtrInterface::fwkType() const {
 PtrInterface::~PtrInterface() {
   if (referenceWord() & referencedInTextBit)
     ObjectReference::forget(this);
-}
-
-void PtrInterface::newRef() const noexcept {
-  if (threadSafePtr()) {
-    word_.fetch_add(1, std::memory_order_relaxed);
-  } else {
-    word_.store(word_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
-  }
-}
-
-void PtrInterface::deleteRef() const noexcept {
-  if (dropReference() == 0)
-    handleZeroRef();
-}
-
-std::uint32_t PtrInterface::dropReference() const noexcept {
-  std::uint32_t before;
-  if (threadSafePtr()) {
-    before = word_.fetch_sub(1, std::memory_order_acq_rel);
-  } else {
-    before = word_.load(std::memory_order_relaxed);
-    word_.store(before - 1, std::memory_order_relaxed);
-  }
-  QUILL_ASSERT((before & refCountMask) != 0);
-  return (before & refCountMask) - 1;
 }
 
 void PtrInterface::flagIs(std::uint32_t bit, bool on) const noexcept {

@@ -3,6 +3,8 @@
 #include <atomic>
 #include <cstdint>
 
+#include "Quill/Assert.h"
+
 namespace Vel {
 
 class NotifieeList;
@@ -12,7 +14,15 @@ class AllocTrackTypeInfo;
 // Turns atomic reference counting on or off for the whole process (off by
 // default). Switch it on before objects are shared between threads.
 void threadSafePtrIs(bool on) noexcept;
-bool threadSafePtr() noexcept;
+
+namespace detail {
+// The switch itself, read inline by every reference count change.
+extern std::atomic<bool> threadSafePtrOn;
+}  // namespace detail
+
+inline bool threadSafePtr() noexcept {
+  return detail::threadSafePtrOn.load(std::memory_order_relaxed);
+}
 
 // Base of every reference-counted framework object. One 32-bit reference word
 // holds the count (the word masked with refCountMask) and framework flags in the
@@ -47,9 +57,20 @@ class PtrInterface {
     return word_.load(std::memory_order_relaxed) & refCountMask;
   }
   std::uint32_t referenceWord() const noexcept { return word_.load(std::memory_order_relaxed); }
-  void newRef() const noexcept;
+  // Reference counts change inline: they are the framework's most frequent
+  // operation.
+  void newRef() const noexcept {
+    if (threadSafePtr()) {
+      word_.fetch_add(1, std::memory_order_relaxed);
+    } else {
+      word_.store(word_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    }
+  }
   // Drops one reference; at zero the object is destroyed through handleZeroRef.
-  void deleteRef() const noexcept;
+  void deleteRef() const noexcept {
+    if (dropReference() == 0)
+      handleZeroRef();
+  }
 
   bool velMarkedForDeletion() const noexcept {
     return (referenceWord() & markedForDeletionBit) != 0;
@@ -69,7 +90,17 @@ class PtrInterface {
   // what happens at zero through zeroReferencesIs, not here.
   void handleZeroRef() const;
   // Drops one reference without acting on zero; returns the count left.
-  std::uint32_t dropReference() const noexcept;
+  std::uint32_t dropReference() const noexcept {
+    std::uint32_t before;
+    if (threadSafePtr()) {
+      before = word_.fetch_sub(1, std::memory_order_acq_rel);
+    } else {
+      before = word_.load(std::memory_order_relaxed);
+      word_.store(before - 1, std::memory_order_relaxed);
+    }
+    QUILL_ASSERT((before & refCountMask) != 0);
+    return (before & refCountMask) - 1;
+  }
   void destroy() const noexcept;
 
   mutable std::atomic<std::uint32_t> word_{0};

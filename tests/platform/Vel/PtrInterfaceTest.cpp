@@ -199,7 +199,7 @@ TEST(PtrInterfaceTest, ReferenceTakenAndDroppedAtZeroDestroysOnce) {
 TEST(PtrInterfaceDeathTest, ReleasingAnUnreferencedObjectIsAnAssertion) {
   Plain object;
   EXPECT_DEATH(object.deleteRef(),
-               "^.*platform/Vel/PtrInterface\\.cpp:[0-9]+: (std::)?uint32_t "
+               "^.*platform/Vel/PtrInterface\\.h:[0-9]+: (std::)?uint32_t "
                "Vel::PtrInterface::dropReference\\(\\) "
                "const: Assertion '\\(before & refCountMask\\) != 0' failed\\.\n$");
 }
