@@ -1,7 +1,13 @@
 # Compiler settings shared by every target of the project: strict warnings for
-# both g++ and clang++, and the sanitizer build when MIRRORLAG_SANITIZE is on.
+# both g++ and clang++, direct calls inside our libraries, and the sanitizer
+# build when MIRRORLAG_SANITIZE is on.
 
 add_compile_options(-Wall -Wextra -Werror)
+
+# Calls inside one of our shared libraries go straight to the library's own
+# functions (and may be inlined) instead of through its symbol table: nothing
+# of ours is meant to be replaced by another library's definition.
+add_compile_options(-fno-semantic-interposition)
 
 if(MIRRORLAG_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all

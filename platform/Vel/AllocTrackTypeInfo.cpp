@@ -43,15 +43,6 @@ AllocTrackTypeInfo::~AllocTrackTypeInfo() {
   r.records.erase(std::remove(r.records.begin(), r.records.end(), this), r.records.end());
 }
 
-void AllocTrackTypeInfo::allocated() noexcept {
-  live_.fetch_add(1, std::memory_order_relaxed);
-  total_.fetch_add(1, std::memory_order_relaxed);
-}
-
-void AllocTrackTypeInfo::released() noexcept {
-  live_.fetch_sub(1, std::memory_order_relaxed);
-}
-
 const AllocTrackTypeInfo* AllocTrackTypeInfo::find(const std::string& typeName) {
   Registry& r = registry();
   std::lock_guard<std::mutex> lock(r.mutex);

@@ -6,6 +6,8 @@
 #include <typeinfo>
 #include <vector>
 
+#include "Vel/ThreadSafePtr.h"
+
 namespace Vel {
 
 // Allocation tracking record of one type: how many objects of the type made by
@@ -30,8 +32,11 @@ class AllocTrackTypeInfo {
   std::size_t liveObjects() const noexcept { return live_.load(std::memory_order_relaxed); }
   std::size_t totalAllocated() const noexcept { return total_.load(std::memory_order_relaxed); }
 
-  void allocated() noexcept;
-  void released() noexcept;
+  void allocated() noexcept {
+    countBy(live_, std::size_t{1});
+    countBy(total_, std::size_t{1});
+  }
+  void released() noexcept { countBy(live_, ~std::size_t{0}); }
 
   // The record of the type with this readable name, or null.
   static const AllocTrackTypeInfo* find(const std::string& typeName);

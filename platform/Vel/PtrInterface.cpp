@@ -6,16 +6,6 @@
 
 namespace Vel {
 
-namespace detail {
-
-std::atomic<bool> threadSafePtrOn{false};
-
-}  // namespace detail
-
-void threadSafePtrIs(bool on) noexcept {
-  detail::threadSafePtrOn.store(on, std::memory_order_seq_cst);
-}
-
 NotifieeList* PtrInterface::notifieeList() const {
   return nullptr;
 }

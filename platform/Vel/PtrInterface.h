@@ -4,25 +4,13 @@
 #include <cstdint>
 
 #include "Quill/Assert.h"
+#include "Vel/ThreadSafePtr.h"
 
 namespace Vel {
 
 class NotifieeList;
 class TypeRecord;
 class AllocTrackTypeInfo;
-
-// Turns atomic reference counting on or off for the whole process (off by
-// default). Switch it on before objects are shared between threads.
-void threadSafePtrIs(bool on) noexcept;
-
-namespace detail {
-// The switch itself, read inline by every reference count change.
-extern std::atomic<bool> threadSafePtrOn;
-}  // namespace detail
-
-inline bool threadSafePtr() noexcept {
-  return detail::threadSafePtrOn.load(std::memory_order_relaxed);
-}
 
 // Base of every reference-counted framework object. One 32-bit reference word
 // holds the count (the word masked with refCountMask) and framework flags in the
@@ -59,13 +47,7 @@ class PtrInterface {
   std::uint32_t referenceWord() const noexcept { return word_.load(std::memory_order_relaxed); }
   // Reference counts change inline: they are the framework's most frequent
   // operation.
-  void newRef() const noexcept {
-    if (threadSafePtr()) {
-      word_.fetch_add(1, std::memory_order_relaxed);
-    } else {
-      word_.store(word_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
-    }
-  }
+  void newRef() const noexcept { countBy(word_, std::uint32_t{1}); }
   // Drops one reference; at zero the object is destroyed through handleZeroRef.
   void deleteRef() const noexcept {
     if (dropReference() == 0)
