@@ -104,6 +104,8 @@ class HashMap {
     const Position position = locate(reversed, key);
     if (holds(position, key))
       return false;
+    if constexpr (keepsHash)
+      element->fwkHmReversedHashIs(reversed);
     element->fwkHmNextIs(Ptr<T>(position.current));
     linkAfter(position.previous, reversed, element);
     if (++count_ > buckets_.size())
@@ -170,7 +172,21 @@ class HashMap {
     T* current;
   };
 
+  // Whether elements keep their reversed hash in their link (HashMapLink).
+  static constexpr bool keepsHash = requires(T & element, const T& constElement) {
+    element.fwkHmReversedHashIs(std::uint32_t{});
+    { constElement.fwkHmReversedHash() } -> std::convertible_to<std::uint32_t>;
+  };
+
   static std::uint32_t reversedHashOf(const Key& key) { return bitReverse(fwkHashOfKey(key)); }
+
+  // The reversed hash of an element in the map.
+  static std::uint32_t reversedHashOfElement(const T& element) {
+    if constexpr (keepsHash)
+      return element.fwkHmReversedHash();
+    else
+      return reversedHashOf(element.fwkKey());
+  }
 
   std::size_t bucketOfReversed(std::uint32_t reversed) const noexcept {
     return bits_ == 0 ? 0 : reversed >> (32 - bits_);
@@ -178,9 +194,8 @@ class HashMap {
 
   // Whether an element comes before (reversed, key) in the map's order.
   static bool precedes(const T& element, std::uint32_t reversed, const Key& key) {
-    const Key& elementKey = element.fwkKey();
-    const std::uint32_t elementReversed = reversedHashOf(elementKey);
-    return elementReversed < reversed || (elementReversed == reversed && elementKey < key);
+    const std::uint32_t elementReversed = reversedHashOfElement(element);
+    return elementReversed < reversed || (elementReversed == reversed && element.fwkKey() < key);
   }
 
   Position locate(std::uint32_t reversed, const Key& key) const {
@@ -232,7 +247,7 @@ class HashMap {
   // element itself need not be in the map any more.
   Ptr<T> after(const T& element) const {
     const Key& key = element.fwkKey();
-    const std::uint32_t reversed = reversedHashOf(key);
+    const std::uint32_t reversed = reversedHashOfElement(element);
     const Position position = locate(reversed, key);
     T* next = holds(position, key) ? position.current->fwkHmNext().get() : position.current;
     if (next != nullptr)
@@ -261,7 +276,7 @@ class HashMap {
   // Whether an element belongs to the upper of the two buckets that its
   // bucket splits into, once bits_ counts the grown table.
   bool goesHigh(const T& element) const {
-    return ((reversedHashOf(element.fwkKey()) >> (32 - bits_)) & 1u) != 0;
+    return ((reversedHashOfElement(element) >> (32 - bits_)) & 1u) != 0;
   }
 
   unsigned bits_;

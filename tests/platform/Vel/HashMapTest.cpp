@@ -34,6 +34,25 @@ std::uint32_t fwkHash(const GroupId& id) {
   return id.value();
 }
 
+// A number whose hash counts how often it is taken.
+class CountedId {
+ public:
+  explicit CountedId(std::uint32_t value) : value_(value) {}
+  std::uint32_t value() const { return value_; }
+  friend bool operator==(CountedId a, CountedId b) { return a.value_ == b.value_; }
+  friend bool operator<(CountedId a, CountedId b) { return a.value_ < b.value_; }
+
+  static inline std::size_t hashesTaken = 0;
+
+ private:
+  std::uint32_t value_;
+};
+
+std::uint32_t fwkHash(const CountedId& id) {
+  ++CountedId::hashesTaken;
+  return id.value() * 2654435761u;
+}
+
 }  // namespace HashMapTestIds
 
 namespace {
@@ -91,6 +110,50 @@ class SpecEntry : public Vel::PtrInterface, public Vel::HashMapLink<SpecEntry> {
   Vel::Ptr<const Spec> spec_;
 };
 
+// Elements keyed by a CountedId: one with the framework's link, which keeps
+// the hash, and one with a link of its own.
+class CountedItem : public Vel::PtrInterface, public Vel::HashMapLink<CountedItem> {
+ public:
+  explicit CountedItem(std::uint32_t id) : id_(id) {}
+  HashMapTestIds::CountedId fwkKey() const { return id_; }
+
+ private:
+  HashMapTestIds::CountedId id_;
+};
+
+class CountedOwnLinkItem : public Vel::PtrInterface {
+ public:
+  explicit CountedOwnLinkItem(std::uint32_t id) : id_(id) {}
+  HashMapTestIds::CountedId fwkKey() const { return id_; }
+  Vel::Ptr<CountedOwnLinkItem> fwkHmNext() const { return next_; }
+  void fwkHmNextIs(const Vel::Ptr<CountedOwnLinkItem>& next) { next_ = next; }
+
+ private:
+  HashMapTestIds::CountedId id_;
+  Vel::Ptr<CountedOwnLinkItem> next_;
+};
+
+// Inserts elements 0..count-1 into a map of 4 buckets (so that it doubles
+// several times), walks it once and finds every key again; gives how many
+// hashes that took.
+template <class Element>
+std::size_t hashesToFillWalkAndFind(std::uint32_t count) {
+  using HashMapTestIds::CountedId;
+  Vel::HashMap<Element, CountedId> map(4);
+  CountedId::hashesTaken = 0;
+  for (std::uint32_t id = 0; id < count; ++id)
+    EXPECT_TRUE(map.insert(Vel::allocate<Element>(id)));
+  std::uint32_t walked = 0;
+  for (auto element = map.begin(); element; ++element)
+    ++walked;
+  EXPECT_EQ(walked, count);
+  for (std::uint32_t id = 0; id < count; ++id)
+    EXPECT_TRUE(map.find(CountedId(id)));
+  const std::size_t hashes = CountedId::hashesTaken;
+  map.deleteAll();
+  return hashes;
+}
+
 template <class T>
 std::size_t live() {
   return Vel::AllocTrackTypeInfo::of<T>().liveObjects();
@@ -105,6 +168,8 @@ class HashMapTest : public ::testing::Test {
     EXPECT_EQ(live<Reactor>(), 0u);
     EXPECT_EQ(live<Spec>(), 0u);
     EXPECT_EQ(live<SpecEntry>(), 0u);
+    EXPECT_EQ(live<CountedItem>(), 0u);
+    EXPECT_EQ(live<CountedOwnLinkItem>(), 0u);
   }
 
   static Vel::Ptr<Item> item(std::uint32_t key) { return Vel::allocate<Item>(key); }
@@ -495,6 +560,19 @@ TEST_F(HashMapTest, KeysOfEqualHashAreOrderedByKey) {
   EXPECT_EQ(map.remove(0x0000000100000000ull)->fwkKey(), 0x0000000100000000ull);
   EXPECT_EQ(map.find(0x0000000200000003ull)->fwkKey(), 0x0000000200000003ull);
   EXPECT_EQ(map.find(0x0000000100000000ull), nullptr);
+}
+
+// The framework's link keeps each element's hash: a key is hashed when it is
+// inserted and when it is looked up, never again as chains are walked, split
+// on growth or iterated.
+TEST_F(HashMapTest, ElementsWithTheFrameworkLinkAreHashedOnceOnInsert) {
+  EXPECT_EQ(hashesToFillWalkAndFind<CountedItem>(64), 64u + 64u);
+}
+
+// An element with a link of its own has its key hashed again wherever the map
+// needs its hash.
+TEST_F(HashMapTest, ElementsWithTheirOwnLinkAreHashedAgainWhenNeeded) {
+  EXPECT_GT(hashesToFillWalkAndFind<CountedOwnLinkItem>(64), 2u * (64u + 64u));
 }
 
 TEST(HashMapDeathTest, GrowthIsOneDoublingAtATime) {
