@@ -6,8 +6,6 @@
 #include <typeinfo>
 #include <vector>
 
-#include "Vel/ThreadSafePtr.h"
-
 namespace Vel {
 
 // Allocation tracking record of one type: how many objects of the type made by
@@ -32,11 +30,13 @@ class AllocTrackTypeInfo {
   std::size_t liveObjects() const noexcept { return live_.load(std::memory_order_relaxed); }
   std::size_t totalAllocated() const noexcept { return total_.load(std::memory_order_relaxed); }
 
+  // Always atomic: objects of one type are made and destroyed in many threads
+  // even when no object is shared between them.
   void allocated() noexcept {
-    countBy(live_, std::size_t{1});
-    countBy(total_, std::size_t{1});
+    live_.fetch_add(1, std::memory_order_relaxed);
+    total_.fetch_add(1, std::memory_order_relaxed);
   }
-  void released() noexcept { countBy(live_, ~std::size_t{0}); }
+  void released() noexcept { live_.fetch_sub(1, std::memory_order_relaxed); }
 
   // The record of the type with this readable name, or null.
   static const AllocTrackTypeInfo* find(const std::string& typeName);

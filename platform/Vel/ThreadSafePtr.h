@@ -4,9 +4,8 @@
 
 namespace Vel {
 
-// Turns atomic reference counting and allocation counting on or off for the
-// whole process (off by default). Switch it on before objects are shared
-// between threads.
+// Turns atomic reference counting on or off for the whole process (off by
+// default). Switch it on before objects are shared between threads.
 void threadSafePtrIs(bool on) noexcept;
 
 namespace detail {
@@ -18,8 +17,8 @@ inline bool threadSafePtr() noexcept {
   return detail::threadSafePtrOn.load(std::memory_order_relaxed);
 }
 
-// Adds `delta` to a framework counter: one atomic step when threads share
-// objects, a plain load and store otherwise.
+// Adds `delta` to a per-object framework counter: one atomic step when threads
+// share objects, a plain load and store otherwise.
 template <class Counter>
 void countBy(std::atomic<Counter>& counter, Counter delta) noexcept {
   if (threadSafePtr()) {
