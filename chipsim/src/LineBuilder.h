@@ -22,7 +22,6 @@ class LineBuilder {
   void appendSigned(std::int32_t value) noexcept;
   void appendHex(std::uint32_t value) noexcept;
   const char* text() const noexcept { return text_; }
-  std::string_view view() const noexcept { return {text_, length_}; }
 
  private:
   char text_[kSize];

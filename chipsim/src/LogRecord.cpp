@@ -23,8 +23,9 @@ void appendValue(LineBuilder& line, const LogField& field) noexcept {
       line.appendText(field.value != 0 ? "true" : "false");
       break;
     case LogField::Kind::nullPointer:
-    case LogField::Kind::unwritten:
       line.appendText("NULL");
+      break;
+    case LogField::Kind::unwritten:  // skipped by formatInto
       break;
   }
 }

@@ -2,7 +2,7 @@
 
 namespace chipsim {
 
-PdCall::PdCall(PdFunction function) noexcept : function_(function), record_{}, outputs_{} {
+PdCall::PdCall(PdFunction function) noexcept : record_{}, outputs_{} {
   record_.function = static_cast<uint8_t>(function);
 }
 

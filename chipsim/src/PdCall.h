@@ -44,7 +44,7 @@ class PdCall {
   pipe_status run(Operation&& operation) noexcept {
     pipe_status status = kUnexpected;
     int error = Attachment::instance().use([&](Chip& chip) {
-      bool injected = chip.calls().countCall(function_, status);
+      bool injected = chip.calls().countCall(function(), status);
       if (!injected) {
         status = operation(chip);
       }
@@ -65,12 +65,12 @@ class PdCall {
     const void* pointer;
   };
 
+  PdFunction function() const noexcept { return static_cast<PdFunction>(record_.function); }
   PdCall& argument(LogLabel label, LogField::Kind kind, uint32_t value) noexcept;
   PdCall& output(Output::Kind kind, LogLabel label, const void* pointer) noexcept;
   static LogField outputField(const Output& output, bool written) noexcept;
   void record(Chip& chip, pipe_status status, bool injected) noexcept;
 
-  PdFunction function_;
   LogRecord record_;
   Output outputs_[LogRecord::kMaxOutputs];
 };
