@@ -6,25 +6,16 @@
 #include <string>
 
 #include "RestartTest.h"
+#include "support/EnvironmentNumber.h"
 #include "support/KillCountdown.h"
+#include "support/Killer.h"
 
 namespace BfIngressMirrorLagGroup {
 namespace {
 
+using shadow_test::environmentNumber;
 using shadow_test::KillCountdown;
-
-// Where an instance is killed.
-enum class Killer {
-  chipChange,    // at its n-th change of the chip's state, in the midst of a PD call
-  recordedCall,  // at the n-th point of its recorded PD calls
-  shadowWrite,   // at the n-th step of its shadow-table writes, in the midst of a write
-  timer,         // by the parent, after a random time
-};
-
-std::uint32_t fromEnvironment(const char* name, std::uint32_t otherwise) {
-  const char* text = std::getenv(name);
-  return text != nullptr ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
-}
+using shadow_test::Killer;
 
 // Instances of a host are killed one after the other at random points: while
 // they settle the shadow tables, while the factory adopts the entries, while
@@ -73,8 +64,8 @@ class FactoryKillLoopTest : public RestartTest {
 };
 
 TEST_F(FactoryKillLoopTest, EveryRestartAdoptsAndRewritesTheConfigurationWithoutDuplicates) {
-  const std::uint32_t wanted = fromEnvironment("MIRRORLAG_FACTORY_KILLS", 50);
-  const std::uint32_t seed = fromEnvironment("MIRRORLAG_FACTORY_SEED", 20240611);
+  const std::uint32_t wanted = environmentNumber("MIRRORLAG_FACTORY_KILLS", 50);
+  const std::uint32_t seed = environmentNumber("MIRRORLAG_FACTORY_SEED", 20240611);
   SCOPED_TRACE("MIRRORLAG_FACTORY_SEED=" + std::to_string(seed));
   std::mt19937 random(seed);
   std::uint32_t kills = 0;

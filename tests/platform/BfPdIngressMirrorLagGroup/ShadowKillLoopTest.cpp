@@ -11,7 +11,9 @@
 #include "ShadowWorkload.h"
 #include "Vault/WriteStep.h"
 #include "support/ChipContents.h"
+#include "support/EnvironmentNumber.h"
 #include "support/KillCountdown.h"
+#include "support/Killer.h"
 
 namespace shadow_test {
 namespace {
@@ -19,19 +21,6 @@ namespace {
 using BfPdIngressMirrorLagGroup::ShadowReconciler;
 using BfPdIngressMirrorLagGroup::ShadowReconciliation;
 using chipsim_test::chipsim;
-
-// How a programming process is killed.
-enum class Killer {
-  chipChange,    // at its n-th change of the chip's state, in the midst of a PD call
-  recordedCall,  // at the n-th point of its recorded calls: after an intent or after the chip
-  shadowWrite,   // at the n-th step of its shadow-table writes, in the midst of a write
-  timer,         // by its parent, after a random time
-};
-
-std::uint32_t fromEnvironment(const char* name, std::uint32_t otherwise) {
-  const char* text = std::getenv(name);
-  return text != nullptr ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
-}
 
 // Processes that program entries, members and groups at random are killed,
 // one after the other, at random points; after each death the shadow tables
@@ -106,8 +95,8 @@ class ShadowKillLoopTest : public ShadowChipTest {
 };
 
 TEST_F(ShadowKillLoopTest, EveryDeathIsReconciledAgainstTheChip) {
-  const std::uint32_t wanted = fromEnvironment("MIRRORLAG_SHADOW_KILLS", 60);
-  const std::uint32_t seed = fromEnvironment("MIRRORLAG_SHADOW_SEED", 20240607);
+  const std::uint32_t wanted = environmentNumber("MIRRORLAG_SHADOW_KILLS", 60);
+  const std::uint32_t seed = environmentNumber("MIRRORLAG_SHADOW_SEED", 20240607);
   SCOPED_TRACE("MIRRORLAG_SHADOW_SEED=" + std::to_string(seed));
   std::mt19937 random(seed);
   std::uint32_t kills = 0;
