@@ -3,7 +3,8 @@
 // Every public type of the plug-in: the table model (match spec, action specs,
 // table-entry values, the action-profile configuration and its notifiees), the
 // hardware access layer (table helper, handle registry, SDK status rule and
-// table exceptions) and the match table with its factory.
+// table exceptions), the match table with its factory, and the action-profile
+// state machine with its factory and reactors.
 
 #include "BfIngressMirrorLagGroup/model/IngressMirrorLagGroupActionProfile.h"
 #include "BfIngressMirrorLagGroup/model/IngressMirrorLagGroupActionProfileEntry.h"
@@ -31,3 +32,10 @@
 
 #include "BfIngressMirrorLagGroup/table/IngressMirrorLagGroupTable.h"
 #include "BfIngressMirrorLagGroup/table/IngressMirrorLagGroupTableFactory.h"
+
+#include "BfIngressMirrorLagGroup/actionprofile/IngressMirrorLagGroupActionProfileFactory.h"
+#include "BfIngressMirrorLagGroup/actionprofile/IngressMirrorLagGroupActionProfileSm.h"
+#include "BfIngressMirrorLagGroup/actionprofile/VelActionProfile.h"
+#include "BfIngressMirrorLagGroup/actionprofile/VelGroup.h"
+#include "BfIngressMirrorLagGroup/actionprofile/VelGroupMember.h"
+#include "BfIngressMirrorLagGroup/actionprofile/VelIngressMirrorLagGroupActionProfile.h"
