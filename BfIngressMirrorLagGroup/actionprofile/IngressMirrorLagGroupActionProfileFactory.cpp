@@ -38,7 +38,7 @@ ingressMirrorLagGroupActionProfileFactory(
                     "matTable->vaultKeyManager()->adtVaultTableConfig()", tableSourcePath,
                     adtVaultTableConfigLine);
     BfIngressMirrorLagGroup::ActionProfileShadowReplay replay(*matTable->helper()->sdkHandles(),
-                                                               *keys);
+                                                              *keys);
     replay.replayMembers();
     QUILL_ASSERT_AT(keys->selGrpVaultTableConfig() != nullptr,
                     "matTable->vaultKeyManager()->selGrpVaultTableConfig()", tableSourcePath,

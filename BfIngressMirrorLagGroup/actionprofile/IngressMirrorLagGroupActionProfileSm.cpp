@@ -18,10 +18,9 @@ using Sm = IngressMirrorLagGroupActionProfileSm;
 
 // Refuses a null element handed to the mutator of a collection attribute.
 [[noreturn]] void throwNullParameter(const char* attribute) {
-  Vel::throwRangeException(
-      Vel::String("null _") + attribute + " parameter to mutator for " +
-      "BfIngressMirrorLagGroup::IngressMirrorLagGroupActionProfileSm::" + attribute +
-      " not allowed\"");
+  Vel::throwRangeException(Vel::String("null _") + attribute + " parameter to mutator for " +
+                           "BfIngressMirrorLagGroup::IngressMirrorLagGroupActionProfileSm::" +
+                           attribute + " not allowed\"");
 }
 
 // The ids of `map`'s reactors whose key `stillWanted` refuses, in the map's
@@ -203,8 +202,8 @@ void Sm::groupDelAll() {
 void Sm::actionProfilesAreFrom(const Entity& entity) {
   for (auto entry = entity.entryIteratorConst(); entry.valid(); ++entry)
     actionProfileIs(entry.value());
-  for (const BfnTable::BfnMemberId memberId : keysNotIn(
-           actionProfile_, [&entity](BfnTable::BfnMemberId id) { return entity.entry(id); }))
+  for (const BfnTable::BfnMemberId memberId :
+       keysNotIn(actionProfile_, [&entity](BfnTable::BfnMemberId id) { return entity.entry(id); }))
     actionProfileDel(memberId);
 }
 

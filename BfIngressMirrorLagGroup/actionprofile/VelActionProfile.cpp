@@ -107,13 +107,15 @@ void IngressMirrorLagGroupActionProfileSm::VelActionProfile::modifyMember(
     const IngressMirrorLagGroupBaseActionProfileSpec& action) {
   const PdActionSpec spec = pdActionSpecOf(action);
   const Vel::Ptr<IngressMirrorLagGroupTableHelper>& helper = sm_->helper();
-  pdCall(helper,
-         "p4_pd_kestro_switch_mirrorLagPortActionProfile_modify_member_with_setLagMemberSelector",
-         [&](PdLib& pd) {
-           return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_modify_member_with_setLagMemberSelector(
-               sm_->sessionHandle(), deviceId(*helper), helper->sdkHandles()->member(memberId_),
-               &spec);
-         });
+  pdCall(
+      helper,
+      "p4_pd_kestro_switch_mirrorLagPortActionProfile_modify_member_with_setLagMemberSelector",
+      [&](PdLib& pd) {
+        return pd
+            .p4_pd_kestro_switch_mirrorLagPortActionProfile_modify_member_with_setLagMemberSelector(
+                sm_->sessionHandle(), deviceId(*helper), helper->sdkHandles()->member(memberId_),
+                &spec);
+      });
 }
 
 void IngressMirrorLagGroupActionProfileSm::VelActionProfile::addMember(
@@ -127,8 +129,9 @@ void IngressMirrorLagGroupActionProfileSm::VelActionProfile::addMember(
   pdCall(helper,
          "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector",
          [&](PdLib& pd) {
-           return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector(
-               pd.sessionId(), deviceTarget(*helper), &spec, &memberHandle);
+           return pd
+               .p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector(
+                   pd.sessionId(), deviceTarget(*helper), &spec, &memberHandle);
          });
   helper->sdkHandles()->memberIs(memberId_, memberHandle);
 }

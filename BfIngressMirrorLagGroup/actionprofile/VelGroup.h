@@ -73,7 +73,8 @@ class IngressMirrorLagGroupActionProfileSm::VelGroup
   virtual Vel::Ptr<VelGroupMember> groupMemberIs(
       const Vel::Ptr<const IngressMirrorLagGroupMember>& member);
   // Makes, switches on and holds a new member reactor.
-  Vel::Ptr<VelGroupMember> newGroupMember(const Vel::Ptr<const IngressMirrorLagGroupMember>& member);
+  Vel::Ptr<VelGroupMember> newGroupMember(
+      const Vel::Ptr<const IngressMirrorLagGroupMember>& member);
   // Drops the reactor of `memberId`, which takes the member out of the
   // hardware group; gives it back (null for an unknown id). When the chip
   // refuses, the exception passes on and the reactor stays.

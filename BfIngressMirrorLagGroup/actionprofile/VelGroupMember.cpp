@@ -107,7 +107,8 @@ void VelGroupMember::velDoZombieReactors(bool zombie) {
 void VelGroupMember::handleMemberAdd() {
   tracePoint(9, addLine, "handleMemberAdd", addSignature);
   initSelGroupStatus();
-  IngressMirrorLagGroupActionProfileSm* actionProfileSm = velGroup_->ingressMirrorLagGroupActionProfileSm();
+  IngressMirrorLagGroupActionProfileSm* actionProfileSm =
+      velGroup_->ingressMirrorLagGroupActionProfileSm();
   const BfnTable::BfnSdkMemberHandle mbr_hdl = memberHandle();
   QUILL_ASSERT_AT(mbr_hdl != 0, memberHandleText, tableSourcePath, addMemberHandleLine);
   const BfnTable::BfnSdkGroupHandle grp_hdl = groupHandle();
@@ -115,9 +116,10 @@ void VelGroupMember::handleMemberAdd() {
   const Vel::Ptr<IngressMirrorLagGroupActionProfileSm::VelActionProfile> tap =
       actionProfileSm->actionProfile(memberId_);
   QUILL_ASSERT_AT(tap != nullptr, "tap", tableSourcePath, addTapLine);
-  QUILL_ASSERT_AT(sameActionType(tap->actionProfile()->action(), velGroup_->group()->actionType()),
-                  "tap->actionProfile()->action()->actionType() == velGroup()->group()->actionType()",
-                  tableSourcePath, addActionTypeLine);
+  QUILL_ASSERT_AT(
+      sameActionType(tap->actionProfile()->action(), velGroup_->group()->actionType()),
+      "tap->actionProfile()->action()->actionType() == velGroup()->group()->actionType()",
+      tableSourcePath, addActionTypeLine);
   const Vel::Ptr<IngressMirrorLagGroupTableHelper>& helper = actionProfileSm->helper();
   pdCall(helper, "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_to_group",
          [&](PdLib& pd) {
@@ -162,12 +164,10 @@ void VelGroupMember::handleActive() {
   if (!groupMember()->active()) {
     QUILL_ASSERT_AT(memberHandle() != 0, memberHandleText, tableSourcePath,
                     inactiveMemberHandleLine);
-    QUILL_ASSERT_AT(groupHandle() != 0, groupHandleText, tableSourcePath,
-                    inactiveGroupHandleLine);
+    QUILL_ASSERT_AT(groupHandle() != 0, groupHandleText, tableSourcePath, inactiveGroupHandleLine);
     memberStateIs(P4_PD_GROUP_MEMBER_INACTIVE);
   } else {
-    QUILL_ASSERT_AT(memberHandle() != 0, memberHandleText, tableSourcePath,
-                    activeMemberHandleLine);
+    QUILL_ASSERT_AT(memberHandle() != 0, memberHandleText, tableSourcePath, activeMemberHandleLine);
     QUILL_ASSERT_AT(groupHandle() != 0, groupHandleText, tableSourcePath, activeGroupHandleLine);
     memberStateIs(P4_PD_GROUP_MEMBER_ACTIVE);
   }
@@ -184,7 +184,8 @@ BfnTable::BfnSdkGroupHandle VelGroupMember::groupHandle() const {
 }
 
 void VelGroupMember::memberStateIs(std::int32_t state) {
-  IngressMirrorLagGroupActionProfileSm* actionProfileSm = velGroup_->ingressMirrorLagGroupActionProfileSm();
+  IngressMirrorLagGroupActionProfileSm* actionProfileSm =
+      velGroup_->ingressMirrorLagGroupActionProfileSm();
   const Vel::Ptr<IngressMirrorLagGroupTableHelper>& helper = actionProfileSm->helper();
   const BfnTable::BfnSdkMemberHandle mbr_hdl = memberHandle();
   const BfnTable::BfnSdkGroupHandle grp_hdl = groupHandle();
