@@ -6,6 +6,8 @@
 #include "Quill/Assert.h"
 #include "Vel/Allocate.h"
 
+#include <vector>
+
 namespace {
 
 // Lines of the table description at which the factory asserts.
@@ -14,6 +16,17 @@ constexpr unsigned selGrpVaultTableConfigLine = 88;
 
 // The name of the configuration entity.
 constexpr const char* entityName = "ingressMirrorLagGroup";
+
+// The state machines the factory made. Never destroyed, so that they stay
+// reachable to leak checkers for the life of the process and no exit handler
+// ever turns them into zombies (which would delete the chip's objects that
+// the next instance of the host adopts). It holds no reference.
+std::vector<const BfIngressMirrorLagGroup::IngressMirrorLagGroupActionProfileSm*>&
+processStateMachines() {
+  static auto* const machines =
+      new std::vector<const BfIngressMirrorLagGroup::IngressMirrorLagGroupActionProfileSm*>();
+  return *machines;
+}
 
 }  // namespace
 
@@ -32,6 +45,7 @@ ingressMirrorLagGroupActionProfileFactory(
   // Never given back: the state machine lives as long as the process, and no
   // object owns it.
   sm->newRef();
+  processStateMachines().push_back(sm.get());
 
   if (const auto& keys = matTable->vaultKeyManager()) {
     QUILL_ASSERT_AT(keys->adtVaultTableConfig() != nullptr,
