@@ -196,10 +196,10 @@ void VelGroup::velDoZombieReactors(bool zombie) {
     else
       sm_->vel_handleGroup(Vel::Ptr<VelGroup>(this));
   });
-  if (!zombie)
-    return;
+  // The members follow; once the hardware group is gone, they have nothing
+  // left to leave (vel_handleGroupMember).
   for (auto reactor = groupMember_.iterator(); reactor.valid(); ++reactor)
-    reactor.ptr()->velDoZombieReactors(true);
+    reactor.ptr()->velDoZombieReactors(zombie);
 }
 
 void VelGroup::handleGroupAdd() {
