@@ -2,6 +2,9 @@
 
 #include <utility>
 
+#include "Vel/Ptr.h"
+#include "Vel/PtrInterfaceNotifieeConst.h"
+
 namespace BfIngressMirrorLagGroup {
 
 // What the reactors of the action-profile state machine share.
@@ -12,6 +15,14 @@ template <class Reactor>
 void reactorNotificationIs(Reactor& reactor, bool active) {
   if (reactor.hasNotificationActive() != active)
     reactor.Vel::PtrInterface::hasNotificationActiveIs(active);
+}
+
+// Makes a reactor follow `notifier`, whose type the reactor has checked
+// already: the framework's own follow, without checking it again on every
+// level of the notifiee classes.
+template <class Reactor, class Notifier>
+void reactorNotifierIs(Reactor& reactor, const Vel::Ptr<Notifier>& notifier) {
+  reactor.Vel::PtrInterface::NotifieeConst::notifierIs(notifier);
 }
 
 // Moves a reactor into (true) or out of the zombie state, as every reactor

@@ -44,7 +44,7 @@ IngressMirrorLagGroupActionProfileSm::VelActionProfile::VelActionProfile(
     const Vel::Ptr<const IngressMirrorLagGroupActionProfileEntry>& entry,
     IngressMirrorLagGroupActionProfileSm* sm)
     : sm_(sm), memberId_(entry->memberId()) {
-  NotifieeConst::notifierIs(entry);
+  reactorNotifierIs(*this, entry);
   isRegisteredNotifieeIs(true);
   handleActionProfileAdd();
 }
@@ -66,7 +66,7 @@ void IngressMirrorLagGroupActionProfileSm::VelActionProfile::notifierIs(
   const auto entry = Vel::ptr_cast<const IngressMirrorLagGroupActionProfileEntry>(notifier);
   if (entry == actionProfile())
     return;
-  NotifieeConst::notifierIs(entry);
+  reactorNotifierIs(*this, entry);
   if (entry != nullptr && !velMarkedForDeletion())
     handleActionProfileAdd();
   isRegisteredNotifieeIs(true);

@@ -41,7 +41,7 @@ constexpr const char* delSignature =
 VelGroup::VelGroup(const Vel::Ptr<const IngressMirrorLagGroupGroup>& group,
                    IngressMirrorLagGroupActionProfileSm* sm)
     : sm_(sm), groupId_(group->groupId()), groupMember_(groupMemberInitialSize) {
-  NotifieeConst::notifierIs(group);
+  reactorNotifierIs(*this, group);
   isRegisteredNotifieeIs(true);
   try {
     groupMembersAreFrom(*group);
@@ -149,7 +149,7 @@ void VelGroup::notifierIs(const Vel::Ptr<const Vel::PtrInterface>& notifier) {
   const auto group = Vel::ptr_cast<const IngressMirrorLagGroupGroup>(notifier);
   if (group == this->group())
     return;
-  NotifieeConst::notifierIs(group);
+  reactorNotifierIs(*this, group);
   if (group != nullptr && !velMarkedForDeletion())
     groupMembersAreFrom(*group);
   isRegisteredNotifieeIs(true);

@@ -59,7 +59,7 @@ bool sameActionType(const IngressMirrorLagGroupActionProfileEntry::ActionSpec& a
 VelGroupMember::VelGroupMember(const Vel::Ptr<const IngressMirrorLagGroupMember>& member,
                                VelGroup* velGroup)
     : velGroup_(velGroup), memberId_(member->memberId()) {
-  NotifieeConst::notifierIs(member);
+  reactorNotifierIs(*this, member);
   isRegisteredNotifieeIs(true);
   handleMemberAdd();
 }
@@ -80,7 +80,7 @@ void VelGroupMember::notifierIs(const Vel::Ptr<const Vel::PtrInterface>& notifie
   const auto member = Vel::ptr_cast<const IngressMirrorLagGroupMember>(notifier);
   if (member == groupMember())
     return;
-  NotifieeConst::notifierIs(member);
+  reactorNotifierIs(*this, member);
   if (member != nullptr && !velMarkedForDeletion())
     handleActive();
   isRegisteredNotifieeIs(true);

@@ -12,7 +12,7 @@ Reactor::VelIngressMirrorLagGroupActionProfile(
     const Vel::Ptr<IngressMirrorLagGroupActionProfile>& entity,
     IngressMirrorLagGroupActionProfileSm* sm)
     : sm_(sm) {
-  Notifiee::notifierIs(entity);
+  reactorNotifierIs(*this, entity);
   isRegisteredNotifieeIs(true);
 }
 
@@ -24,7 +24,7 @@ void Reactor::notifierIs(const Vel::Ptr<const Vel::PtrInterface>& notifier) {
   const auto entity = Vel::ptr_cast<const IngressMirrorLagGroupActionProfile>(notifier);
   if (entity == Notifiee::notifier())
     return;
-  Notifiee::notifierIs(entity);
+  reactorNotifierIs(*this, entity);
   if (entity == nullptr || sm_ == nullptr)
     return;
   sm_->actionProfilesAreFrom(*entity);
