@@ -8,6 +8,27 @@
 
 namespace shadow_test {
 
+namespace {
+
+// The members of a group line: "members=[7 active, 9 inactive]".
+std::map<std::uint32_t, bool> parseGroupMembers(const std::string& line) {
+  std::map<std::uint32_t, bool> members;
+  const std::size_t open = line.find("members=[");
+  if (open == std::string::npos)
+    return members;
+  std::istringstream list(line.substr(open + 9, line.find(']', open) - open - 9));
+  std::string item;
+  while (std::getline(list, item, ',')) {
+    unsigned handle = 0;
+    char state[16] = {};
+    if (std::sscanf(item.c_str(), " %u %15s", &handle, state) == 2)
+      members[handle] = std::string(state) == "active";
+  }
+  return members;
+}
+
+}  // namespace
+
 ChipContents ChipContents::read() {
   char* text = nullptr;
   std::size_t size = 0;
@@ -36,6 +57,7 @@ ChipContents ChipContents::parse(const std::string& dump) {
       contents.members.insert(handle);
     } else if (std::sscanf(line.c_str(), "  grp %u:", &handle) == 1) {
       contents.groups.insert(handle);
+      contents.groupMembers[handle] = parseGroupMembers(line);
     }
   }
   return contents;

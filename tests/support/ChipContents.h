@@ -15,6 +15,8 @@ struct ChipContents {
   std::optional<std::uint32_t> defaultEntry;       // the default entry's handle, when set
   std::set<std::uint32_t> members;
   std::set<std::uint32_t> groups;
+  // group handle -> its members' handles -> active
+  std::map<std::uint32_t, std::map<std::uint32_t, bool>> groupMembers;
 
   static ChipContents read();
   static ChipContents parse(const std::string& dump);

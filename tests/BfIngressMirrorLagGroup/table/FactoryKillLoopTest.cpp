@@ -1,14 +1,18 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <random>
 #include <string>
 
 #include "RestartTest.h"
+#include "support/ChipContents.h"
 #include "support/EnvironmentNumber.h"
 #include "support/KillCountdown.h"
 #include "support/Killer.h"
+#include "support/PdFunctionNames.h"
 
 namespace BfIngressMirrorLagGroup {
 namespace {
@@ -60,6 +64,27 @@ class FactoryKillLoopTest : public RestartTest {
     keys.groupShadow()->table().writer().writeProbeIs(KillCountdown::passWriteStep);
   }
 
+  // Deletes the chip's groups that `instance`'s registry does not name.
+  void removeGroupsLeftBehind(const TableInstance& instance) const {
+    std::set<std::uint32_t> current;
+    for (auto slot = instance.registry().groups().begin(); slot; ++slot)
+      current.insert(slot.value());
+    for (std::uint32_t group : shadow_test::ChipContents::read().groups) {
+      if (current.count(group) == 0) {
+        EXPECT_EQ(chip.delGroup(TableInstance::kSession, TableInstance::kDevice, group), 0)
+            << "group " << group;
+      }
+    }
+  }
+
+  // The calls of `function` among `lines`.
+  static std::size_t countCalls(const std::vector<std::string>& lines,
+                                const std::string& function) {
+    return static_cast<std::size_t>(
+        std::count_if(lines.begin(), lines.end(),
+                      [&](const std::string& line) { return line.rfind(function + "(", 0) == 0; }));
+  }
+
   const WantedConfig config = WantedConfig::make(200, 12, 4);
 };
 
@@ -70,6 +95,8 @@ TEST_F(FactoryKillLoopTest, EveryRestartAdoptsAndRewritesTheConfigurationWithout
   std::mt19937 random(seed);
   std::uint32_t kills = 0;
   std::uint32_t settled = 0;
+  std::size_t groupsLeftBehind = 0;
+  std::size_t mostGroupsLeftBehind = 0;
   for (std::uint32_t round = 0; kills < wanted && round < 3 * wanted && !HasFailure(); ++round) {
     const auto killer = static_cast<Killer>(random() % 4);
     const unsigned countdown = 1 + random() % (killer == Killer::chipChange ? 6000 : 1200);
@@ -89,18 +116,36 @@ TEST_F(FactoryKillLoopTest, EveryRestartAdoptsAndRewritesTheConfigurationWithout
     EXPECT_EQ(instance->settled().unsettled, 0u);
     settled += instance->settled().total();
     const std::set<std::uint16_t> before = chipSessions();
+    std::size_t membersToAdd = 0;
+    for (const auto& [id, selector] : config.members)
+      membersToAdd += instance->registry().member(BfnTable::BfnMemberId(id)) == 0 ? 1 : 0;
     chip.logClear();
     ASSERT_NO_THROW(instance->apply(config));
-    // Entries that outlived the death are modified, never added again.
-    for (std::uint16_t session : addedSessions(logLines()))
+    // Entries and members that outlived the death are modified, never added again.
+    const std::vector<std::string> lines = logLines();
+    for (std::uint16_t session : addedSessions(lines))
       EXPECT_EQ(before.count(session), 0u) << "session " << session << " added again";
+    EXPECT_EQ(countCalls(lines, chipsim_test::kAddMember), membersToAdd);
     expectProgrammed(config, *instance);
+    const std::size_t leftBehind = expectActionProfileProgrammed(config, *instance);
+    groupsLeftBehind += leftBehind;
+    mostGroupsLeftBehind = std::max(mostGroupsLeftBehind, leftBehind);
+    // As a host cleans up after its restart: the groups of the instances
+    // before are used by no entry any more.
+    removeGroupsLeftBehind(*instance);
   }
   EXPECT_GE(kills, wanted);
   // Some deaths did come in the midst of recorded calls.
   EXPECT_GT(settled, 0u);
   RecordProperty("kills", static_cast<int>(kills));
   RecordProperty("intentsSettled", static_cast<int>(settled));
+  // Every restart creates the configured groups anew; the groups of the
+  // instances before stay in the chip until a host removes them.
+  RecordProperty("groupsLeftBehind", static_cast<int>(groupsLeftBehind));
+  RecordProperty("mostGroupsLeftBehind", static_cast<int>(mostGroupsLeftBehind));
+  std::printf(
+      "kills %u, intents settled %u, groups left behind: %zu in all, at most %zu by one restart\n",
+      kills, settled, groupsLeftBehind, mostGroupsLeftBehind);
 }
 
 }  // namespace

@@ -13,13 +13,27 @@
 namespace BfIngressMirrorLagGroup {
 namespace {
 
+using chipsim_test::kAddMemberToGroup;
+using chipsim_test::kCreateGroup;
+using chipsim_test::kGroupMemberStateSet;
 using chipsim_test::kModifyEntry;
 using chipsim_test::kModifyEntryWithSelector;
+using chipsim_test::kModifyMember;
 using chipsim_test::kSetDefaultEntry;
 
 using HandlePairs = std::vector<std::pair<std::uint16_t, std::uint32_t>>;
 
-class FactoryRestartTest : public RestartTest {};
+class FactoryRestartTest : public RestartTest {
+ protected:
+  // A call that creates a group or changes its members.
+  static bool isGroupCall(const std::string& line) {
+    for (const std::string* function : {&kCreateGroup, &kAddMemberToGroup, &kGroupMemberStateSet}) {
+      if (line.rfind(*function + "(", 0) == 0)
+        return true;
+    }
+    return false;
+  }
+};
 
 // The first instance makes the named chip and the shadow tables, programs
 // 3000 entries, members, groups and the default entry, tells its registry's
@@ -61,9 +75,21 @@ TEST_F(FactoryRestartTest, ASecondProcessAdoptsTheFirstsEntriesAndOnlyModifiesTh
   expectProgrammed(config, *second);
   EXPECT_EQ(second->keys()->latestKey().value(), config.entries.size() + 1);
 
+  const std::size_t groupsBefore = chip.groups();
   chip.logClear();
   second->apply(config);
-  const std::vector<std::string> lines = logLines();
+  std::vector<std::string> lines = logLines();
+  // The members are modified, the groups created anew with their members;
+  // then come the entries.
+  std::size_t memberModifies = 0;
+  while (!lines.empty() && lines.front().rfind(kModifyMember + "(", 0) == 0) {
+    ++memberModifies;
+    lines.erase(lines.begin());
+  }
+  EXPECT_EQ(memberModifies, config.members.size());
+  while (!lines.empty() && isGroupCall(lines.front()))
+    lines.erase(lines.begin());
+  EXPECT_EQ(chip.groups(), groupsBefore + config.groups.size());
   ASSERT_EQ(lines.size(), config.entries.size() + 1);
   std::size_t modifies = 0;
   for (const std::string& line : lines) {
@@ -76,10 +102,71 @@ TEST_F(FactoryRestartTest, ASecondProcessAdoptsTheFirstsEntriesAndOnlyModifiesTh
   EXPECT_EQ(modifies, config.entries.size());
   EXPECT_EQ(chip.entries(), config.entries.size());
   expectProgrammed(config, *second);
-  // Nothing was added, so nothing new was recorded.
+  expectActionProfileProgrammed(config, *second);
+  // No entry or member was added, so nothing new was recorded; each group's
+  // record now holds its new group.
   EXPECT_EQ(second->keys()->entryShadow()->records().size(), config.entries.size() + 1);
   EXPECT_EQ(second->keys()->memberShadow()->records().size(), config.members.size());
   EXPECT_EQ(second->keys()->groupShadow()->records().size(), config.groups.size());
+}
+
+// The first instance configures members through the action-profile entity,
+// tells their handles through a pipe and dies by SIGKILL. The second gets the
+// same member handles from the factory; configuring the same members again
+// only modifies them, with the state machine's session, and the chip holds no
+// other member.
+TEST_F(FactoryRestartTest, ASecondProcessGetsTheFirstsMembersAndOnlyModifiesThem) {
+  WantedConfig config;
+  for (std::uint32_t id = 1; id <= 40; ++id)
+    config.members[id] = static_cast<std::uint16_t>(2000 + id);
+  config.defaultTarget = {1, true};
+  attachNamedChip();
+  int fds[2];
+  ASSERT_EQ(pipe(fds), 0);
+  const pid_t first = fork([&]() {
+    close(fds[0]);
+    auto instance = start();
+    instance->apply(config);
+    for (const auto& [id, selector] : config.members) {
+      const std::pair<std::uint32_t, std::uint32_t> pair(
+          id, instance->registry().member(BfnTable::BfnMemberId(id)));
+      if (write(fds[1], &pair, sizeof pair) != static_cast<ssize_t>(sizeof pair))
+        return 3;
+    }
+    raise(SIGKILL);
+    return 4;
+  });
+  close(fds[1]);
+  std::map<std::uint32_t, std::uint32_t> firstHandles;
+  std::pair<std::uint32_t, std::uint32_t> pair;
+  while (read(fds[0], &pair, sizeof pair) == static_cast<ssize_t>(sizeof pair))
+    firstHandles.insert(pair);
+  close(fds[0]);
+  ASSERT_EQ(wait(first), -SIGKILL);
+  ASSERT_EQ(firstHandles.size(), config.members.size());
+  ASSERT_EQ(chip.members(), config.members.size());
+
+  auto second = start();
+  std::map<std::uint32_t, std::uint32_t> refilled;
+  for (auto slot = second->registry().members().begin(); slot; ++slot)
+    refilled.emplace(slot.key().value(), slot.value());
+  EXPECT_EQ(refilled, firstHandles);
+
+  chip.logClear();
+  config.members[7] = 7;  // one member's selector changes meanwhile
+  second->apply(config);
+  std::vector<std::string> expected;
+  for (const auto& [id, selector] : config.members) {
+    expected.push_back(kModifyMember + "(sess=1, dev=0, mbr=" + std::to_string(firstHandles[id]) +
+                       ", selector=" + std::to_string(selector) + ") = 0");
+  }
+  std::vector<std::string> lines = logLines();
+  // The default entry is set last.
+  ASSERT_FALSE(lines.empty());
+  lines.pop_back();
+  EXPECT_EQ(lines, expected);
+  EXPECT_EQ(chip.members(), config.members.size());
+  expectActionProfileProgrammed(config, *second);
 }
 
 // Entries of the first instance that the second does not write again stay

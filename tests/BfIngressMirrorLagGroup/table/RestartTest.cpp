@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <map>
@@ -19,7 +20,8 @@ void RestartTest::SetUp() {
   config.device_id = TableInstance::kDevice;
   config.entries = 4096;
   config.members = 1024;
-  config.groups = 64;
+  // Room for the groups that every restarted instance creates anew.
+  config.groups = 4096;
   config.max_group_size = 8;
   ASSERT_EQ(chip.configure(&config), 0);
   ASSERT_EQ(chip.attach(nullptr), 0);
@@ -80,6 +82,27 @@ void RestartTest::expectProgrammed(const WantedConfig& config, const TableInstan
   ASSERT_TRUE(contents.defaultEntry.has_value());
   EXPECT_EQ(instance.registry().entry(instance.table()->defaultMatchSpec()),
             *contents.defaultEntry);
+}
+
+std::size_t RestartTest::expectActionProfileProgrammed(const WantedConfig& config,
+                                                       const TableInstance& instance) {
+  const shadow_test::ChipContents contents = shadow_test::ChipContents::read();
+  std::set<std::uint32_t> members;
+  for (const auto& [id, selector] : config.members)
+    members.insert(instance.registry().member(BfnTable::BfnMemberId(id)));
+  EXPECT_EQ(contents.members, members);
+  for (const auto& [id, wanted] : config.groupMembers) {
+    const std::uint32_t group = instance.registry().group(BfnTable::BfnGroupId(id));
+    std::map<std::uint32_t, bool> expected;
+    for (const auto& [memberId, active] : wanted)
+      expected[instance.registry().member(BfnTable::BfnMemberId(memberId))] = active;
+    const auto found = contents.groupMembers.find(group);
+    EXPECT_NE(found, contents.groupMembers.end()) << "group " << id << " not in the chip";
+    if (found != contents.groupMembers.end()) {
+      EXPECT_EQ(found->second, expected) << "group " << id;
+    }
+  }
+  return contents.groups.size() - std::min(contents.groups.size(), config.groups.size());
 }
 
 std::vector<std::string> RestartTest::logLines() {

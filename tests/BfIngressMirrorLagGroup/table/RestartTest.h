@@ -38,6 +38,13 @@ class RestartTest : public testing::Test {
   // once, no other entry) and its default entry, and that `instance`'s
   // registry holds each of them once, with the chip's handle.
   static void expectProgrammed(const WantedConfig& config, const TableInstance& instance);
+  // Checks that the chip holds exactly the members of `config`, each under
+  // `instance`'s registry handle, and that each group of `config` is, under
+  // its registry handle, a chip group of exactly its members in their active
+  // states. Gives the number of other groups in the chip: those that earlier
+  // instances made (a restarted instance creates its groups anew).
+  static std::size_t expectActionProfileProgrammed(const WantedConfig& config,
+                                                   const TableInstance& instance);
 
   // Lines of the chip's call log, oldest first.
   static std::vector<std::string> logLines();

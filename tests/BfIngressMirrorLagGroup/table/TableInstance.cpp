@@ -2,16 +2,8 @@
 
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
 #include "Vel/Allocate.h"
-#include "support/PdFunctionNames.h"
-#include "support/ShadowWalk.h"
 
 namespace BfIngressMirrorLagGroup {
-
-namespace {
-
-constexpr p4_pd_device_target_t kTarget{TableInstance::kDevice, TableInstance::kPipe};
-
-}  // namespace
 
 TableInstance::TableInstance(const std::string& baseName, MbbVaultKey::ShadowCapacity capacity,
                              void* chipHandle, const Attached& attached)
@@ -25,22 +17,36 @@ TableInstance::TableInstance(const std::string& baseName, MbbVaultKey::ShadowCap
   }
   table_ = ingressMirrorLagGroupTableFactory(keys_, nullptr, chipHandle, kSession, kDevice, kPipe,
                                              CHIPSIM_LIBRARY);
-  refillActionProfile();
+  profile_ = ingressMirrorLagGroupActionProfileFactory(table_);
+  stateMachine().sessionHandleIs(kSession);
   matches_ = matchesBySession();
 }
 
-void TableInstance::refillActionProfile() {
-  for (const auto& record : shadow_test::walkShadow(keys_->adtVaultTableConfig()).records)
-    registry().memberIs(keys_->anonId(record.key()), record.memberHandle());
-  for (const auto& record : shadow_test::walkShadow(keys_->selGrpVaultTableConfig()).records)
-    registry().groupIs(keys_->anonId(record.key()), record.groupHandle());
+TableInstance::~TableInstance() {
+  IngressMirrorLagGroupActionProfileSm& sm = stateMachine();
+  sm.ingressMirrorLagGroupActionProfileDel();
+  // Reactors without their state machine delete nothing when they go.
+  for (auto reactor = sm.actionProfileIterator(); reactor.valid(); ++reactor)
+    reactor.ptr()->ingressMirrorLagGroupActionProfileSmIs(nullptr);
+  for (auto reactor = sm.groupIterator(); reactor.valid(); ++reactor)
+    reactor.ptr()->ingressMirrorLagGroupActionProfileSmIs(nullptr);
+  sm.deleteRef();
+}
+
+IngressMirrorLagGroupActionProfileSm& TableInstance::stateMachine() const {
+  IngressMirrorLagGroupActionProfileSm* sm = nullptr;
+  profile_->notifieeList()->doVisit([&sm](Vel::PtrInterface::NotifieeConst& notifiee) {
+    if (sm == nullptr)
+      sm = dynamic_cast<IngressMirrorLagGroupActionProfileSm*>(notifiee.actsm());
+  });
+  return *sm;
 }
 
 void TableInstance::apply(const WantedConfig& config) {
   for (const auto& [id, selector] : config.members)
     memberIs(id, selector);
   for (const auto& [id, size] : config.groups)
-    groupIs(id, size);
+    groupIs(id, size, config.groupMembers.at(id));
   for (const auto& [session, target] : config.entries)
     entryIs(session, target);
   table_->entryIs(
@@ -52,7 +58,7 @@ void TableInstance::change(const WantedConfig& config, std::uint32_t random) {
   std::advance(entry, random % config.entries.size());
   const std::uint16_t session = entry->first;
   const std::uint32_t memberId = 1 + (random / 7) % config.members.size();
-  switch (random / 3 % 4) {
+  switch (random / 3 % 5) {
     case 0:
       entryIs(session, {memberId, true});
       break;
@@ -68,35 +74,53 @@ void TableInstance::change(const WantedConfig& config, std::uint32_t random) {
       }
       entryIs(session, entry->second);
       break;
-    default:
+    case 3:
       table_->entryIs(
           IngressMirrorLagGroupTableEntry(table_->defaultMatchSpec(), {memberId, true}));
+      break;
+    default:
+      toggleGroupMember(random / 13);
       break;
   }
 }
 
+// Through the configuration: a member the registry holds a handle for (one
+// adopted after a restart) is modified, any other added.
 void TableInstance::memberIs(std::uint32_t id, std::uint16_t selector) {
-  if (registry().member(id) != 0)
-    return;
-  keys_->allocAnon(id);
-  const p4_pd_kestro_switch_setLagMemberSelector_action_spec_t spec{selector};
-  std::uint32_t handle = 0;
-  const pipe_status status =
-      pd().p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector(
-          kSession, kTarget, &spec, &handle);
-  checkPdStatus(chipsim_test::kAddMember.c_str(), status);
-  registry().memberIs(id, handle);
+  const BfnTable::BfnMemberId memberId(id);
+  if (const auto existing = profile_->entry(memberId)) {
+    if (existing->action()->lagMemberSelector() == selector)
+      return;
+  }
+  auto action = Vel::allocate<SetLagMemberSelectorActionProfileSpec>();
+  action->lagMemberSelectorIs(selector);
+  profile_->entryIs(Vel::allocate<IngressMirrorLagGroupActionProfileEntry>(memberId, action));
 }
 
-void TableInstance::groupIs(std::uint32_t id, std::uint32_t size) {
-  if (registry().group(id) != 0)
-    return;
-  keys_->allocAnon(id);
-  std::uint32_t handle = 0;
-  const pipe_status status = pd().p4_pd_kestro_switch_mirrorLagPortActionProfile_create_group(
-      kSession, kTarget, size, &handle);
-  checkPdStatus(chipsim_test::kCreateGroup.c_str(), status);
-  registry().groupIs(id, handle);
+// Through the configuration: a group is created anew in the chip, with its
+// initial member; the other members join it with their active flags.
+void TableInstance::groupIs(std::uint32_t id, std::uint32_t size,
+                            const WantedConfig::GroupMembers& members) {
+  const auto group = profile_->groupIs(BfnTable::BfnGroupId(id), size, members.front().first,
+                                       setLagMemberSelectorActionProfileSpec);
+  for (const auto& [memberId, active] : members)
+    group->memberIs(BfnTable::BfnMemberId(memberId))->activeIs(active);
+}
+
+// Switches the active flag of one member of one group, other than the
+// group's initial member, as a host in service does.
+void TableInstance::toggleGroupMember(std::uint32_t random) {
+  std::vector<Vel::Ptr<IngressMirrorLagGroupMember>> members;
+  for (auto group = profile_->groupIterator(); group.valid(); ++group) {
+    for (auto member = group.ptr()->memberIterator(); member.valid(); ++member) {
+      if (member.key().value() != group.ptr()->initialMemberId())
+        members.push_back(member.ptr());
+    }
+  }
+  if (!members.empty()) {
+    const auto& member = members[random % members.size()];
+    member->activeIs(!member->active());
+  }
 }
 
 void TableInstance::entryIs(std::uint16_t session,
