@@ -1,12 +1,12 @@
 #include "BfIngressMirrorLagGroup/actionprofile/IngressMirrorLagGroupActionProfileFactory.h"
 
+#include <vector>
+
 #include "BfIngressMirrorLagGroup/actionprofile/ActionProfileShadowReplay.h"
 #include "BfIngressMirrorLagGroup/actionprofile/IngressMirrorLagGroupActionProfileSm.h"
 #include "BfIngressMirrorLagGroup/hw/TableSourcePath.h"
 #include "Quill/Assert.h"
 #include "Vel/Allocate.h"
-
-#include <vector>
 
 namespace {
 
