@@ -240,12 +240,24 @@ void VelGroup::handleGroupDel() {
                   "ingressMirrorLagGroupActionProfileSm()->helper()->sdkHandles()->group( "
                   "group()->groupId() )",
                   tableSourcePath, delHandleLine);
-  for (auto reactor = groupMember_.iterator(); reactor.valid(); ++reactor)
-    reactor.ptr()->handleMemberDel();
-  pdCall(helper, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group", [&](PdLib& pd) {
-    return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(
-        sm_->sessionHandle(), deviceId(*helper), helper->sdkHandles()->group(groupId_));
-  });
+  // The members taken out so far. When the chip refuses a later call, they
+  // are put back, so that the hardware group is again what the reactors
+  // describe and the delete can be asked for again.
+  std::vector<Vel::Ptr<VelGroupMember>> takenOut;
+  try {
+    for (auto reactor = groupMember_.iterator(); reactor.valid(); ++reactor) {
+      reactor.ptr()->handleMemberDel();
+      takenOut.push_back(reactor.ptr());
+    }
+    pdCall(helper, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group", [&](PdLib& pd) {
+      return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(
+          sm_->sessionHandle(), deviceId(*helper), helper->sdkHandles()->group(groupId_));
+    });
+  } catch (...) {
+    for (const Vel::Ptr<VelGroupMember>& member : takenOut)
+      member->handleMemberAdd();
+    throw;
+  }
   helper->sdkHandles()->groupDel(groupId_);
 }
 
