@@ -128,8 +128,20 @@ void VelGroupMember::handleMemberAdd() {
          });
   // A member joins a hardware group active; one configured inactive is set
   // so at once, so that the chip follows the configuration from the start.
-  if (!groupMember()->active())
+  if (groupMember()->active())
+    return;
+  try {
     memberStateIs(P4_PD_GROUP_MEMBER_INACTIVE);
+  } catch (...) {
+    // Not left in the hardware group, where the chip would select it against
+    // the configuration and no reactor would ever take it out.
+    pdCall(helper, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group",
+           [&](PdLib& pd) {
+             return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group(
+                 actionProfileSm->sessionHandle(), deviceId(*helper), grp_hdl, mbr_hdl);
+           });
+    throw;
+  }
 }
 
 void VelGroupMember::handleMemberDel() {
