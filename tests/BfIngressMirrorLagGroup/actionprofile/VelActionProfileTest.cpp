@@ -216,6 +216,69 @@ TEST_F(VelActionProfileTest, ALiveReactorFollowingANewEntryProgramsIt) {
   EXPECT_THAT(logLines(), IsEmpty());
 }
 
+TEST_F(VelActionProfileTest, AnEntryWithoutActionIsNotProgrammed) {
+  startLog();
+  profile->entryIs(
+      Vel::allocate<IngressMirrorLagGroupActionProfileEntry>(BfnTable::BfnMemberId(5), nullptr));
+  EXPECT_THAT(logLines(), IsEmpty());
+  EXPECT_THAT(registryMembers(), IsEmpty());
+  forgetUnprogrammed(5);
+}
+
+TEST_F(VelActionProfileTest, TheSessionHandleIsZeroUntilTheHostSetsIt) {
+  sm->sessionHandleIs(0);
+  memberIs(5, 500);
+  const std::uint32_t handle = memberHandle(5);
+  startLog();
+  profile->entryDel(BfnTable::BfnMemberId(5));
+  EXPECT_THAT(logLines(), ElementsAre(chipsim_test::kDelMember +
+                                      "(sess=0, dev=3, mbr=" + std::to_string(handle) + ") = 0"));
+}
+
+TEST_F(VelActionProfileTest, ANullNotifierProgramsAndDeletesNothing) {
+  memberIs(5, 500);
+  const auto member = reactor(5);
+  startLog();
+  member->notifierIs(nullptr);
+  EXPECT_EQ(member->actionProfile(), nullptr);
+  member->notifierIs(nullptr);
+  // An object that is not an entry counts as null.
+  member->notifierIs(Vel::allocate<IngressMirrorLagGroupMember>(BfnTable::BfnMemberId(5)));
+  EXPECT_EQ(member->actionProfile(), nullptr);
+  EXPECT_THAT(logLines(), IsEmpty());
+  EXPECT_NE(memberHandle(5), 0u);
+  // Pointed at an entry again, it programs it.
+  member->notifierIs(profile->entry(BfnTable::BfnMemberId(5)));
+  EXPECT_THAT(logLines(), ElementsAre(modifyMemberLine(memberHandle(5), 500)));
+}
+
+TEST_F(VelActionProfileTest, LeavingTheZombieStateDeletesTooBeforeTheBitClears) {
+  memberIs(5, 500);
+  const auto member = reactor(5);
+  const std::uint32_t handle = memberHandle(5);
+  member->velMarkedForDeletionIs(true);
+  startLog();
+  member->velDoZombieReactors(false);
+  EXPECT_THAT(logLines(), ElementsAre(delMemberLine(handle)));
+  EXPECT_FALSE(member->velMarkedForDeletion());
+  EXPECT_THAT(registryMembers(), IsEmpty());
+  forgetUnprogrammed(5);
+}
+
+TEST_F(VelActionProfileTest, TheReactorIsKeyedByItsMemberIdAndBelongsToItsStateMachine) {
+  memberIs(5, 500);
+  const auto member = reactor(5);
+  EXPECT_EQ(member->fwkKey(), BfnTable::BfnMemberId(5));
+  EXPECT_TRUE(member->velReactor());
+  EXPECT_EQ(member->actsm(), sm.get());
+  EXPECT_EQ(member->ingressMirrorLagGroupActionProfileSm(), sm.get());
+  EXPECT_TRUE(member->hasNotificationActive());
+  EXPECT_TRUE(member->isRegisteredNotifiee());
+  EXPECT_FALSE(member->initialized());
+  member->initializedIs(true);
+  EXPECT_TRUE(member->initialized());
+}
+
 // The key manager bound to the PD object is the state machine's too: the key
 // the reactor reserves is the one the member's shadow record is written under.
 class VelActionProfileShadowTest : public VelActionProfileTest {
