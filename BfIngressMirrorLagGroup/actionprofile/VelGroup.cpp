@@ -218,7 +218,24 @@ void VelGroup::handleGroupAdd() {
   QUILL_ASSERT(profile != nullptr);
   const Vel::Ptr<IngressMirrorLagGroupGroup> configured = profile->group(groupId_);
   QUILL_ASSERT(configured != nullptr);
-  configured->memberIs(group->initialMemberId());
+  const BfnTable::BfnMemberId initialMemberId(group->initialMemberId());
+  const bool initialMemberAdded = configured->member(initialMemberId) == nullptr;
+  try {
+    configured->memberIs(initialMemberId);
+  } catch (...) {
+    // The group is created with its initial member or not at all: neither the
+    // hardware group nor its handle, nor the member given to the configured
+    // group, outlives the refusal, so that the group can be programmed again.
+    if (initialMemberAdded)
+      configured->memberDel(initialMemberId);
+    const Vel::Ptr<IngressMirrorLagGroupTableHelper>& helper = sm_->helper();
+    pdCall(helper, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group", [&](PdLib& pd) {
+      return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(
+          sm_->sessionHandle(), deviceId(*helper), helper->sdkHandles()->group(groupId_));
+    });
+    helper->sdkHandles()->groupDel(groupId_);
+    throw;
+  }
 }
 
 void VelGroup::createGroup(std::uint32_t maxGroupSize) {

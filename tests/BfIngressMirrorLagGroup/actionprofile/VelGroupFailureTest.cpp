@@ -106,6 +106,39 @@ TEST_P(VelGroupFailureTest, ARefusedCreationLeavesNoHandleNoReactorAndNoMember) 
   EXPECT_EQ(sm->group(gid(10))->groupMembers(), 1u);
 }
 
+TEST_P(VelGroupFailureTest, ARefusedInitialMemberUndoesTheGroupSoThatItCanBeProgrammedAgain) {
+  const pipe_status status = GetParam();
+  const auto groupsBefore = registryGroups();
+  ASSERT_EQ(chip.failNext(chipsim_test::kAddMemberToGroup.c_str(), status, 1), 0);
+  startLog();
+  expectPdFailure([&] { groupIs(10, 4, 1); }, chipsim_test::kAddMemberToGroup, status);
+  const auto lines = logLines();
+  ASSERT_EQ(lines.size(), 3u);
+  const std::string created = lines[0];
+  const std::string handle = created.substr(created.rfind("grp=") + 4);
+  EXPECT_EQ(created, createGroupLine(4, std::stoul(handle)));
+  EXPECT_EQ(lines[1], chipsim_test::kAddMemberToGroup + "(sess=9, dev=3, grp=" + handle +
+                          ", mbr=" + std::to_string(memberHandle(1)) +
+                          ") = " + std::to_string(status) + " (injected)");
+  EXPECT_EQ(lines[2], delGroupLine(std::stoul(handle)));
+  EXPECT_EQ(registryGroups(), groupsBefore);
+  EXPECT_EQ(sm->group(gid(10)), nullptr);
+  EXPECT_EQ(chip.groups(), 0u);
+  const auto group = profile->group(gid(10));
+  ASSERT_NE(group, nullptr);
+  EXPECT_EQ(group->members(), 0u);
+  // The same group programmed again goes through.
+  startLog();
+  sm->groupIs(group);
+  const std::uint32_t again = groupHandle(10);
+  EXPECT_THAT(logLines(),
+              ElementsAre(createGroupLine(4, again), addMemberToGroupLine(again, memberHandle(1))));
+  EXPECT_EQ(chip.groups(), 1u);
+  EXPECT_EQ(group->members(), 1u);
+  ASSERT_NE(sm->group(gid(10)), nullptr);
+  EXPECT_EQ(sm->group(gid(10))->groupMembers(), 1u);
+}
+
 TEST_P(VelGroupFailureTest, ARefusedDeletionKeepsHandleAndReactorAndCanBeRetried) {
   const pipe_status status = GetParam();
   const auto group = groupIs(10, 4, 1);
