@@ -165,6 +165,18 @@ TEST_F(EndToEndForwardingTest, MembersThatLeaveTheGroupAreNotPicked) {
   EXPECT_EQ(spread(picks()), selectorsOf({1, 3, 4, 5}));
 }
 
+TEST_F(EndToEndForwardingTest, AChangedSelectorIsPickedAtOnce) {
+  profile->entry(mid(4))->actionIs(selectorAction(400));
+  std::set<std::uint16_t> expected = selectorsOf({1, 2, 3, 5});
+  expected.insert(400);
+  EXPECT_EQ(spread(picks()), expected);
+}
+
+TEST_F(EndToEndForwardingTest, AnEntryMovedToAMemberForwardsToItAlone) {
+  table->entryIs(IngressMirrorLagGroupTableEntry(match, {2, true}));
+  EXPECT_EQ(spread(picks()), selectorsOf({2}));
+}
+
 TEST_F(EndToEndForwardingTest, DeletingTheEntryTheGroupAndTheMembersLeavesTheChipEmpty) {
   const std::uint32_t entry = registry().entry(match);
   const std::uint32_t grp = groupHandle(kGroup);
