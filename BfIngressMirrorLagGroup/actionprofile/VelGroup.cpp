@@ -228,12 +228,7 @@ void VelGroup::handleGroupAdd() {
     // group, outlives the refusal, so that the group can be programmed again.
     if (initialMemberAdded)
       configured->memberDel(initialMemberId);
-    const Vel::Ptr<IngressMirrorLagGroupTableHelper>& helper = sm_->helper();
-    pdCall(helper, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group", [&](PdLib& pd) {
-      return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(
-          sm_->sessionHandle(), deviceId(*helper), helper->sdkHandles()->group(groupId_));
-    });
-    helper->sdkHandles()->groupDel(groupId_);
+    deleteGroup();
     throw;
   }
 }
@@ -266,15 +261,20 @@ void VelGroup::handleGroupDel() {
       reactor.ptr()->handleMemberDel();
       takenOut.push_back(reactor.ptr());
     }
-    pdCall(helper, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group", [&](PdLib& pd) {
-      return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(
-          sm_->sessionHandle(), deviceId(*helper), helper->sdkHandles()->group(groupId_));
-    });
+    deleteGroup();
   } catch (...) {
     for (const Vel::Ptr<VelGroupMember>& member : takenOut)
       member->handleMemberAdd();
     throw;
   }
+}
+
+void VelGroup::deleteGroup() {
+  const Vel::Ptr<IngressMirrorLagGroupTableHelper>& helper = sm_->helper();
+  pdCall(helper, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group", [&](PdLib& pd) {
+    return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(
+        sm_->sessionHandle(), deviceId(*helper), helper->sdkHandles()->group(groupId_));
+  });
   helper->sdkHandles()->groupDel(groupId_);
 }
 

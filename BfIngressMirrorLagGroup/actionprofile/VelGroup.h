@@ -110,6 +110,8 @@ class IngressMirrorLagGroupActionProfileSm::VelGroup
  private:
   void groupMembersAreFrom(const IngressMirrorLagGroupGroup& group);
   void createGroup(std::uint32_t maxGroupSize);
+  // Deletes the hardware group and forgets its handle.
+  void deleteGroup();
   void dropGroupMembers() noexcept;
 
   IngressMirrorLagGroupActionProfileSm* sm_;

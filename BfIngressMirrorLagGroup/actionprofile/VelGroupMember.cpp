@@ -135,11 +135,7 @@ void VelGroupMember::handleMemberAdd() {
   } catch (...) {
     // Not left in the hardware group, where the chip would select it against
     // the configuration and no reactor would ever take it out.
-    pdCall(helper, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group",
-           [&](PdLib& pd) {
-             return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group(
-                 actionProfileSm->sessionHandle(), deviceId(*helper), grp_hdl, mbr_hdl);
-           });
+    leaveGroup(grp_hdl, mbr_hdl);
     throw;
   }
 }
@@ -161,8 +157,14 @@ void VelGroupMember::handleMemberDel() {
                   "actionProfileSm->group( velGroup()->groupId() )->members() > 0 && \"deleting "
                   "the last member is not allowed\"",
                   tableSourcePath, delLastMemberLine);
+  leaveGroup(groupHandle(), mbr_hdl);
+}
+
+void VelGroupMember::leaveGroup(BfnTable::BfnSdkGroupHandle grp_hdl,
+                                BfnTable::BfnSdkMemberHandle mbr_hdl) {
+  IngressMirrorLagGroupActionProfileSm* actionProfileSm =
+      velGroup_->ingressMirrorLagGroupActionProfileSm();
   const Vel::Ptr<IngressMirrorLagGroupTableHelper>& helper = actionProfileSm->helper();
-  const BfnTable::BfnSdkGroupHandle grp_hdl = groupHandle();
   pdCall(helper, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group",
          [&](PdLib& pd) {
            return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group(

@@ -66,6 +66,8 @@ class IngressMirrorLagGroupActionProfileSm::VelGroup::VelGroupMember
   BfnTable::BfnSdkMemberHandle memberHandle() const;
   BfnTable::BfnSdkGroupHandle groupHandle() const;
   void memberStateIs(std::int32_t state);
+  // Takes the member out of the hardware group.
+  void leaveGroup(BfnTable::BfnSdkGroupHandle grp_hdl, BfnTable::BfnSdkMemberHandle mbr_hdl);
   void initSelGroupStatus() const;
 
   VelGroup* velGroup_;
