@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vel/TypeRecord.h"
+
 #include <cstdint>
 
 #include "BfIngressMirrorLagGroup/hw/IngressMirrorLagGroupTableHelper.h"
@@ -57,6 +59,9 @@ class IngressMirrorLagGroupActionProfileSm : public Vel::PtrInterface {
   IngressMirrorLagGroupActionProfileSm(const IngressMirrorLagGroupActionProfileSm&) = delete;
   IngressMirrorLagGroupActionProfileSm& operator=(const IngressMirrorLagGroupActionProfileSm&) =
       delete;
+  // The framework's record of this type (see reflect/).
+  static const Vel::TypeRecord& typeRecord();
+  const Vel::TypeRecord* fwkType() const override;
 
   // The reactor on the configuration entity; null when none is followed.
   const Vel::Ptr<VelIngressMirrorLagGroupActionProfile>& ingressMirrorLagGroupActionProfileReactor()
@@ -81,6 +86,7 @@ class IngressMirrorLagGroupActionProfileSm : public Vel::PtrInterface {
   Vel::Ptr<VelActionProfile> actionProfile(BfnTable::BfnMemberId memberId);
   Vel::Ptr<const VelActionProfile> actionProfile(BfnTable::BfnMemberId memberId) const;
   std::size_t actionProfiles() const noexcept { return actionProfile_.size(); }
+  std::size_t actionProfileBuckets() const noexcept { return actionProfile_.buckets(); }
   ActionProfileMap::Iterator actionProfileIterator();
   ActionProfileMap::IteratorConst actionProfileIteratorConst() const;
   // Makes the reactor of `entry`'s member id, which programs the member, or
@@ -97,6 +103,7 @@ class IngressMirrorLagGroupActionProfileSm : public Vel::PtrInterface {
   Vel::Ptr<VelGroup> group(BfnTable::BfnGroupId groupId);
   Vel::Ptr<const VelGroup> group(BfnTable::BfnGroupId groupId) const;
   std::size_t groups() const noexcept { return group_.size(); }
+  std::size_t groupBuckets() const noexcept { return group_.buckets(); }
   GroupMap::Iterator groupIterator();
   GroupMap::IteratorConst groupIteratorConst() const;
   // Makes the reactor of `group`'s id, which creates the group in the chip and

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vel/TypeRecord.h"
+
 #include "BfIngressMirrorLagGroup/model/IngressMirrorLagGroupMatchSpec.h"
 #include "BfnTable/BfnGroupId.h"
 #include "BfnTable/BfnMemberId.h"
@@ -22,6 +24,9 @@ class IngressMirrorLagGroupTableHandles : public Vel::Entity {
 
   IngressMirrorLagGroupTableHandles() = default;
   ~IngressMirrorLagGroupTableHandles() override;
+  // The framework's record of this type (see reflect/).
+  static const Vel::TypeRecord& typeRecord();
+  const Vel::TypeRecord* fwkType() const override;
 
   // The registry has no name of its own.
   Vel::Name name() const override { return Vel::Name(); }

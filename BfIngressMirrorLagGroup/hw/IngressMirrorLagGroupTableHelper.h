@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vel/TypeRecord.h"
+
 #include <cstdint>
 
 #include "BfIngressMirrorLagGroup/hw/CLinkageFactory.h"
@@ -19,6 +21,9 @@ class IngressMirrorLagGroupTableHelper : public Vel::PtrInterface {
 
   IngressMirrorLagGroupTableHelper(std::uint8_t deviceId, std::uint16_t devPipeId);
   ~IngressMirrorLagGroupTableHelper() override;
+  // The framework's record of this type (see reflect/).
+  static const Vel::TypeRecord& typeRecord();
+  const Vel::TypeRecord* fwkType() const override;
 
   std::uint8_t deviceId() const noexcept { return deviceId_; }
   // 0xFFFF: all pipes of the device.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vel/TypeRecord.h"
+
 #include <cstddef>
 
 #include "BfIngressMirrorLagGroup/model/IngressMirrorLagGroupActionProfileEntry.h"
@@ -45,6 +47,9 @@ class IngressMirrorLagGroupActionProfile : public Vel::Entity {
   // Removes every group, each removal announced; then drops the notifiees and
   // releases the entries without telling anyone.
   ~IngressMirrorLagGroupActionProfile() override;
+  // The framework's record of this type (see reflect/).
+  static const Vel::TypeRecord& typeRecord();
+  const Vel::TypeRecord* fwkType() const override;
 
   // The entry of this member id, or null.
   Vel::Ptr<Entry> entry(BfnTable::BfnMemberId memberId);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vel/TypeRecord.h"
+
 #include "BfIngressMirrorLagGroup/model/IngressMirrorLagGroupBaseActionProfileSpec.h"
 #include "BfnTable/BfnMemberId.h"
 #include "Vel/Entity.h"
@@ -20,6 +22,9 @@ class IngressMirrorLagGroupActionProfileEntry : public Vel::Entity {
 
   // Named after its member id.
   IngressMirrorLagGroupActionProfileEntry(BfnTable::BfnMemberId memberId, const ActionSpec& action);
+  // The framework's record of this type (see reflect/).
+  static const Vel::TypeRecord& typeRecord();
+  const Vel::TypeRecord* fwkType() const override;
 
   BfnTable::BfnMemberId memberId() const noexcept { return memberId_; }
   const ActionSpec& action() const noexcept { return action_; }

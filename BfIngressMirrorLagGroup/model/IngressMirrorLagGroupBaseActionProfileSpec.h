@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vel/TypeRecord.h"
+
 #include <cstdint>
 
 #include "BfIngressMirrorLagGroup/model/IngressMirrorLagGroupActionProfileType.h"
@@ -13,6 +15,9 @@ namespace BfIngressMirrorLagGroup {
 // a new spec object.
 class IngressMirrorLagGroupBaseActionProfileSpec : public Vel::PtrInterface {
  public:
+  // The framework's record of this type (see reflect/).
+  static const Vel::TypeRecord& typeRecord();
+  const Vel::TypeRecord* fwkType() const override;
   IngressMirrorLagGroupActionProfileType actionType() const noexcept { return actionType_; }
   void actionTypeIs(IngressMirrorLagGroupActionProfileType type) noexcept { actionType_ = type; }
   // The selector value handed to the hardware action setLagMemberSelector.

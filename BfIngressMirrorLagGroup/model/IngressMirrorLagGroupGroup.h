@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vel/TypeRecord.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -36,6 +38,9 @@ class IngressMirrorLagGroupGroup : public Vel::Entity,
                              IngressMirrorLagGroupActionProfileType actionType);
   // Removes every member, each removal announced, before the group goes.
   ~IngressMirrorLagGroupGroup() override;
+  // The framework's record of this type (see reflect/).
+  static const Vel::TypeRecord& typeRecord();
+  const Vel::TypeRecord* fwkType() const override;
 
   BfnTable::BfnGroupId groupId() const noexcept { return groupId_; }
   // The key of the group in the action profile's group collection.

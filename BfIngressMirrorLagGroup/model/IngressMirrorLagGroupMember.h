@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vel/TypeRecord.h"
+
 #include "BfnTable/BfnMemberId.h"
 #include "Vel/Entity.h"
 #include "Vel/HashMapLink.h"
@@ -19,6 +21,9 @@ class IngressMirrorLagGroupMember : public Vel::Entity,
 
   // A new member is active; it is named after its member id.
   explicit IngressMirrorLagGroupMember(BfnTable::BfnMemberId memberId);
+  // The framework's record of this type (see reflect/).
+  static const Vel::TypeRecord& typeRecord();
+  const Vel::TypeRecord* fwkType() const override;
 
   BfnTable::BfnMemberId memberId() const noexcept { return memberId_; }
   // The key of the member in its group's member collection.

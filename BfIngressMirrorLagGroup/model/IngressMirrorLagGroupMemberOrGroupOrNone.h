@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vel/TypeRecord.h"
+
 #include <cstdint>
 #include <ostream>
 
@@ -27,6 +29,8 @@ struct IngressMirrorLagGroupMemberOrGroupOrNone {
 
   // Reads the value from the whole of `text`; text left over is refused.
   static IngressMirrorLagGroupMemberOrGroupOrNone fromText(const Vel::String& text);
+  // The framework's record of this type (see reflect/).
+  static const Vel::TypeRecord& typeRecord();
 
   bool operator==(const IngressMirrorLagGroupMemberOrGroupOrNone& other) const noexcept {
     return id == other.id && member == other.member;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vel/TypeRecord.h"
+
 #include <ostream>
 #include <utility>
 
@@ -32,6 +34,8 @@ class IngressMirrorLagGroupTableEntry {
 
   // Reads the entry from the whole of `text`; text left over is refused.
   static IngressMirrorLagGroupTableEntry fromText(const Vel::String& text);
+  // The framework's record of this type (see reflect/).
+  static const Vel::TypeRecord& typeRecord();
 
   const MatchSpec& match() const noexcept { return match_; }
   void matchIs(MatchSpec match) noexcept { match_ = std::move(match); }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Vel/TypeRecord.h"
+
 #include "BfIngressMirrorLagGroup/model/IngressMirrorLagGroupBaseActionProfileSpec.h"
 
 namespace BfIngressMirrorLagGroup {
@@ -9,6 +11,9 @@ namespace BfIngressMirrorLagGroup {
 class SetLagMemberSelectorActionProfileSpec : public IngressMirrorLagGroupBaseActionProfileSpec {
  public:
   SetLagMemberSelectorActionProfileSpec() { actionTypeIs(setLagMemberSelectorActionProfileSpec); }
+  // The framework's record of this type (see reflect/).
+  static const Vel::TypeRecord& typeRecord();
+  const Vel::TypeRecord* fwkType() const override;
 };
 
 }  // namespace BfIngressMirrorLagGroup

@@ -77,16 +77,6 @@ IngressMirrorLagGroupTable::IngressMirrorLagGroupTable(
 
 IngressMirrorLagGroupTable::~IngressMirrorLagGroupTable() = default;
 
-const Vel::TypeRecord& IngressMirrorLagGroupTable::typeRecord() {
-  static const Vel::TypeRecord record("BfIngressMirrorLagGroup::IngressMirrorLagGroupTable",
-                                      Vel::TypeRecord::Kind::entity);
-  return record;
-}
-
-const Vel::TypeRecord* IngressMirrorLagGroupTable::fwkType() const {
-  return &typeRecord();
-}
-
 // The handle look-ups and their assertions stay in this one body, so that a
 // failed assertion names the operation that the caller called.
 void IngressMirrorLagGroupTable::entryIs(const IngressMirrorLagGroupTableEntry& entry) {
