@@ -39,3 +39,5 @@
 #include "BfIngressMirrorLagGroup/actionprofile/VelGroup.h"
 #include "BfIngressMirrorLagGroup/actionprofile/VelGroupMember.h"
 #include "BfIngressMirrorLagGroup/actionprofile/VelIngressMirrorLagGroupActionProfile.h"
+
+#include "BfIngressMirrorLagGroup/reflect/AttributePath.h"

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <dlfcn.h>
+
 #include <string>
 #include <vector>
 
@@ -28,13 +30,32 @@ const std::vector<std::string> kTypes = {
     "BfIngressMirrorLagGroup::IngressMirrorLagGroupTable",
 };
 
-TEST(PluginTypeRecordsTest, EveryTypeIsRegisteredOnceInItsOrder) {
+// The plug-in's registered names, in registration order.
+std::vector<std::string> registeredPluginTypes() {
   std::vector<std::string> registered;
   for (const Vel::TypeRecord* type : Vel::typeNodes()) {
     if (type->name().rfind("BfIngressMirrorLagGroup::", 0) == 0)
       registered.push_back(type->name());
   }
-  EXPECT_EQ(registered, kTypes);
+  return registered;
+}
+
+TEST(PluginTypeRecordsTest, EveryTypeIsRegisteredOnceInItsOrder) {
+  EXPECT_EQ(registeredPluginTypes(), kTypes);
+}
+
+TEST(PluginTypeRecordsTest, LoadingTheLibraryAgainRegistersNothingTwice) {
+  void* first = dlopen(PLUGIN_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(first, nullptr) << dlerror();
+  void* second = dlopen(PLUGIN_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(second, nullptr) << dlerror();
+  EXPECT_EQ(dlclose(second), 0);
+  EXPECT_EQ(dlclose(first), 0);
+  void* again = dlopen(PLUGIN_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  ASSERT_NE(again, nullptr) << dlerror();
+  EXPECT_EQ(registeredPluginTypes(), kTypes);
+  EXPECT_NE(dlsym(again, "ingressMirrorLagGroupActionProfileFactory"), nullptr);
+  dlclose(again);
 }
 
 TEST(PluginTypeRecordsTest, EachObjectAnswersItsRegisteredRecord) {
