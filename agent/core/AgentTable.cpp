@@ -1,0 +1,97 @@
+#include "core/AgentTable.h"
+
+#include <utility>
+
+#include "Vel/Allocate.h"
+
+namespace mirrorlag_agent {
+
+namespace {
+
+using namespace BfIngressMirrorLagGroup;
+
+IngressMirrorLagGroupMemberOrGroupOrNone targetOf(const ConfigTarget& target) {
+  return IngressMirrorLagGroupMemberOrGroupOrNone(target.id, target.member);
+}
+
+}  // namespace
+
+AgentTable::AgentTable(Vel::Ptr<IngressMirrorLagGroupTable> table,
+                       Vel::Ptr<IngressMirrorLagGroupActionProfile> profile)
+    : table_(std::move(table)), profile_(std::move(profile)) {
+  const IngressMirrorLagGroupTableHandles& handles = *table_->helper()->sdkHandles();
+  for (auto slot = handles.entries().begin(); slot; ++slot) {
+    if (slot.key() != table_->defaultMatchSpec())
+      matches_.emplace(slot.key()->ingMirrorMdMirrorSession(), slot.key());
+  }
+}
+
+void AgentTable::memberIs(std::uint32_t id, std::uint16_t selector) {
+  auto action = Vel::allocate<SetLagMemberSelectorActionProfileSpec>();
+  action->lagMemberSelectorIs(selector);
+  const BfnTable::BfnMemberId memberId(id);
+  if (const auto entry = profile_->entry(memberId))
+    entry->actionIs(action);
+  else
+    profile_->entryIs(Vel::allocate<IngressMirrorLagGroupActionProfileEntry>(memberId, action));
+}
+
+void AgentTable::memberDel(std::uint32_t id) {
+  profile_->entryDel(BfnTable::BfnMemberId(id));
+}
+
+void AgentTable::groupIs(std::uint32_t id, const GroupConfig& group) {
+  profile_->groupIs(BfnTable::BfnGroupId(id), group.size, group.members.front().id,
+                    setLagMemberSelectorActionProfileSpec);
+  for (const GroupMemberConfig& member : group.members)
+    groupMemberIs(id, member.id, member.active);
+}
+
+void AgentTable::groupDel(std::uint32_t id) {
+  profile_->groupDel(BfnTable::BfnGroupId(id));
+}
+
+void AgentTable::groupMemberIs(std::uint32_t groupId, std::uint32_t memberId, bool active) {
+  profile_->group(BfnTable::BfnGroupId(groupId))
+      ->memberIs(BfnTable::BfnMemberId(memberId))
+      ->activeIs(active);
+}
+
+void AgentTable::groupMemberDel(std::uint32_t groupId, std::uint32_t memberId) {
+  profile_->group(BfnTable::BfnGroupId(groupId))->memberDel(BfnTable::BfnMemberId(memberId));
+}
+
+void AgentTable::entryIs(std::uint16_t session, const ConfigTarget& target) {
+  auto found = matches_.find(session);
+  if (found == matches_.end()) {
+    auto match = Vel::allocate<IngressMirrorLagGroupMatchSpec>();
+    match->ingMirrorMdMirrorSessionIs(session);
+    found = matches_.emplace(session, match).first;
+  }
+  table_->entryIs(IngressMirrorLagGroupTableEntry(found->second, targetOf(target)));
+}
+
+void AgentTable::entryDel(std::uint16_t session) {
+  const auto found = matches_.find(session);
+  if (found == matches_.end())
+    return;
+  // An entry whose add the chip refused was never programmed.
+  if (programmed(found->second))
+    table_->entryDel(found->second);
+  matches_.erase(found);
+}
+
+void AgentTable::defaultIs(const ConfigTarget& target) {
+  table_->entryIs(IngressMirrorLagGroupTableEntry(table_->defaultMatchSpecIs(), targetOf(target)));
+}
+
+void AgentTable::defaultDel() {
+  if (programmed(table_->defaultMatchSpecIs()))
+    table_->entryDel(table_->defaultMatchSpecIs());
+}
+
+bool AgentTable::programmed(const MatchSpec& match) const {
+  return table_->helper()->sdkHandles()->entry(match) != 0;
+}
+
+}  // namespace mirrorlag_agent
