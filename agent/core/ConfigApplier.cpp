@@ -132,12 +132,12 @@ void ConfigApplier::addPhase(const AgentConfig& running, const AgentConfig& want
     if (old == running.entries.end()) {
       change(
           entryName(session) + " " + targetText(target),
-          [&t, s = session, target] { t.entryIs(s, target); },
+          [&t, s = session, target = target] { t.entryIs(s, target); },
           [&t, s = session] { t.entryDel(s); });
     } else if (!(old->second == target)) {
       change(
           entryName(session) + " " + targetText(target),
-          [&t, s = session, target] { t.entryIs(s, target); },
+          [&t, s = session, target = target] { t.entryIs(s, target); },
           [&t, s = session, before = old->second] { t.entryIs(s, before); });
     }
   }
@@ -166,7 +166,7 @@ void ConfigApplier::removePhase(const AgentConfig& running, const AgentConfig& w
     if (wanted.entries.count(session) == 0) {
       change(
           entryName(session) + " del", [&t, s = session] { t.entryDel(s); },
-          [&t, s = session, target] { t.entryIs(s, target); });
+          [&t, s = session, target = target] { t.entryIs(s, target); });
     }
   }
   for (const auto& [id, group] : running.groups) {
@@ -186,7 +186,7 @@ void ConfigApplier::removePhase(const AgentConfig& running, const AgentConfig& w
     if (wanted.groups.count(id) == 0) {
       change(
           groupName(id) + " del", [&t, id = id] { t.groupDel(id); },
-          [&t, id = id, group] { t.groupIs(id, group); });
+          [&t, id = id, group = group] { t.groupIs(id, group); });
     }
   }
   for (const auto& [id, selector] : running.members) {
