@@ -1,0 +1,268 @@
+#include "host/AgentHost.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
+#include "Vel/Allocate.h"
+#include "Vel/Exception.h"
+#include "config/ConfigError.h"
+#include "core/ApplyError.h"
+
+namespace mirrorlag_agent {
+
+namespace {
+
+using namespace BfIngressMirrorLagGroup;
+
+constexpr const char* pluginLibrary = "libBfIngressMirrorLagGroup.so";
+
+void* load(const std::string& file) {
+  void* handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (handle == nullptr)
+    throw std::runtime_error("cannot load " + file + ": " + dlerror());
+  return handle;
+}
+
+template <class F>
+F symbol(void* handle, const char* name, const std::string& file) {
+  void* found = dlsym(handle, name);
+  if (found == nullptr)
+    throw std::runtime_error(file + " has no " + name);
+  return reinterpret_cast<F>(found);
+}
+
+// The state machine that follows `profile`: the factory keeps it, and it is
+// reached as the notifiee of the profile that belongs to a state machine.
+Vel::Ptr<IngressMirrorLagGroupActionProfileSm> stateMachineOf(
+    const Vel::Ptr<IngressMirrorLagGroupActionProfile>& profile) {
+  Vel::Ptr<IngressMirrorLagGroupActionProfileSm> sm;
+  profile->notifieeList()->doVisit([&sm](Vel::PtrInterface::NotifieeConst& notifiee) {
+    if (!sm)
+      sm = Vel::Ptr<IngressMirrorLagGroupActionProfileSm>(
+          dynamic_cast<IngressMirrorLagGroupActionProfileSm*>(notifiee.actsm()));
+  });
+  return sm;
+}
+
+std::uint32_t numberOf(const std::string& word, const char* what) {
+  try {
+    std::size_t end = 0;
+    const unsigned long value = std::stoul(word, &end);
+    if (end == word.size() && value <= 0xFFFFFFFFul)
+      return static_cast<std::uint32_t>(value);
+  } catch (const std::exception&) {
+  }
+  throw ConfigError("", std::string(what) + " '" + word + "' is not a number");
+}
+
+AgentHost::Answer refused(const std::string& why) {
+  return {1, why + "\n"};
+}
+
+}  // namespace
+
+AgentHost::AgentHost(const AgentOptions& options) : options_(options), state_(options.state) {
+  pdLib_ = load(options_.pdLib);
+  if (auto attach = reinterpret_cast<int (*)(const char*)>(dlsym(pdLib_, "chipsim_attach"))) {
+    if (attach(options_.chip.c_str()) != 0)
+      throw std::runtime_error("cannot attach chip '" + options_.chip + "'");
+  }
+  keys_ = Vel::allocate<MbbVaultKey::VaultKeyManager>(options_.shadow);
+  {
+    const auto pd = Vel::allocate<BfPdIngressMirrorLagGroup::BfPdIngressMirrorLagGroupIntf>(
+        options_.pdLib, pdLib_, options_.session);
+    const auto settled =
+        BfPdIngressMirrorLagGroup::ShadowReconciler(*keys_, *pd, options_.device).reconcile();
+    startLog_.push_back("settled " + std::to_string(settled.total()) + " unfinished records");
+  }
+  plugin_ = load(pluginLibrary);
+  const auto tableFactory = symbol<decltype(&ingressMirrorLagGroupTableFactory)>(
+      plugin_, "ingressMirrorLagGroupTableFactory", pluginLibrary);
+  const auto profileFactory = symbol<decltype(&ingressMirrorLagGroupActionProfileFactory)>(
+      plugin_, "ingressMirrorLagGroupActionProfileFactory", pluginLibrary);
+  table_ = tableFactory(keys_, nullptr, pdLib_, options_.session, options_.device, options_.pipe,
+                        options_.pdLib);
+  profile_ = profileFactory(table_);
+  sm_ = stateMachineOf(profile_);
+  AttributePath::set(sm_, "sessionHandle", std::to_string(options_.session));
+  agentTable_ = std::make_unique<AgentTable>(table_, profile_);
+  applier_ = std::make_unique<ConfigApplier>(*agentTable_);
+  startLog_.push_back(
+      "adopted " + std::to_string(table_->helper()->sdkHandles()->entries().size()) + " entries, " +
+      std::to_string(table_->helper()->sdkHandles()->members().size()) + " members");
+
+  std::optional<AgentConfig> start = options_.discardState ? std::nullopt : state_.read();
+  if (!start && !options_.config.empty()) {
+    std::ifstream in(options_.config);
+    if (!in)
+      throw std::runtime_error("cannot read " + options_.config);
+    std::stringstream text;
+    text << in.rdbuf();
+    start = AgentConfig::fromText(text.str());
+  }
+  if (start) {
+    const Answer answer = apply(*start);
+    if (answer.status != 0)
+      throw std::runtime_error(answer.output);
+    startLog_.push_back("applied " + std::to_string(applier_->changes().size()) + " changes");
+  }
+}
+
+AgentHost::~AgentHost() = default;
+
+AgentHost::Answer AgentHost::run(const std::vector<std::string>& words, const std::string& body) {
+  if (words.empty())
+    return refused("no command");
+  try {
+    const std::string& command = words[0];
+    if (command == "apply")
+      return apply(AgentConfig::fromText(body));
+    if (command == "show" && words.size() >= 2 && words[1] == "config")
+      return {0, running_.toJson().dump(2) + "\n"};
+    if (command == "member" || command == "group" || command == "entry")
+      return edit(words);
+    if (command == "get" || command == "set")
+      return attribute(words);
+    if (command == "check")
+      return check();
+    return refused("unknown command '" + command + "'");
+  } catch (const ConfigError& e) {
+    return refused(std::string("refused: ") + e.what());
+  } catch (const Vel::Exception& e) {
+    return refused(e.message());
+  } catch (const std::exception& e) {
+    return refused(e.what());
+  }
+}
+
+AgentHost::Answer AgentHost::apply(const AgentConfig& wanted) {
+  try {
+    applier_->apply(running_, wanted);
+  } catch (const ApplyError& e) {
+    return refused(std::string("failed, nothing changed: ") + e.what());
+  }
+  running_ = wanted;
+  state_.write(running_);
+  std::string output;
+  for (const std::string& change : applier_->changes())
+    output += change + "\n";
+  for (const std::string& note : running_.notes())
+    output += "note: " + note + "\n";
+  return {0, output};
+}
+
+// An edit of the running configuration, applied as a whole new configuration
+// (checked first, then the difference).
+AgentHost::Answer AgentHost::edit(const std::vector<std::string>& words) {
+  nlohmann::json document = running_.toJson();
+  const std::string& kind = words[0];
+  if (kind == "member" && words.size() == 4 && words[2] == "selector") {
+    const std::uint32_t id = numberOf(words[1], "member");
+    nlohmann::json& members = document["members"];
+    bool found = false;
+    for (auto& member : members) {
+      if (member["id"] == id) {
+        member["selector"] = numberOf(words[3], "selector");
+        found = true;
+      }
+    }
+    if (!found)
+      members.push_back({{"id", id}, {"selector", numberOf(words[3], "selector")}});
+  } else if (kind == "member" && words.size() == 3 && words[2] == "del") {
+    const std::uint32_t id = numberOf(words[1], "member");
+    auto& members = document["members"];
+    members.erase(std::remove_if(members.begin(), members.end(),
+                                 [id](const nlohmann::json& m) { return m["id"] == id; }),
+                  members.end());
+  } else if (kind == "entry" && words.size() == 4 &&
+             (words[2] == "member" || words[2] == "group")) {
+    const std::uint32_t session = numberOf(words[1], "session");
+    auto& entries = document["entries"];
+    entries.erase(
+        std::remove_if(entries.begin(), entries.end(),
+                       [session](const nlohmann::json& e) { return e["session"] == session; }),
+        entries.end());
+    entries.push_back({{"session", session}, {words[2], numberOf(words[3], words[2].c_str())}});
+  } else if (kind == "entry" && words.size() == 3 && words[2] == "del") {
+    const std::uint32_t session = numberOf(words[1], "session");
+    auto& entries = document["entries"];
+    entries.erase(
+        std::remove_if(entries.begin(), entries.end(),
+                       [session](const nlohmann::json& e) { return e["session"] == session; }),
+        entries.end());
+  } else if (kind == "group" && words.size() == 5 && words[2] == "member") {
+    const std::uint32_t id = numberOf(words[1], "group");
+    const std::uint32_t memberId = numberOf(words[3], "member");
+    const std::string& action = words[4];
+    bool found = false;
+    for (auto& group : document["groups"]) {
+      if (group["id"] != id)
+        continue;
+      found = true;
+      auto& members = group["members"];
+      if (action == "add") {
+        members.push_back({{"id", memberId}});
+      } else if (action == "del") {
+        members.erase(
+            std::remove_if(members.begin(), members.end(),
+                           [memberId](const nlohmann::json& m) { return m["id"] == memberId; }),
+            members.end());
+      } else if (action == "active" || action == "inactive") {
+        for (auto& member : members) {
+          if (member["id"] == memberId)
+            member["active"] = action == "active";
+        }
+      } else {
+        return refused("group member action must be add, del, active or inactive");
+      }
+    }
+    if (!found)
+      return refused("group " + words[1] + " is not configured");
+  } else {
+    return refused("bad " + kind + " command");
+  }
+  return apply(AgentConfig::fromJson(document));
+}
+
+Vel::Ptr<Vel::PtrInterface> AgentHost::root(const std::string& name) const {
+  if (name == "sm")
+    return sm_;
+  if (name == "table")
+    return table_;
+  if (name == "profile")
+    return profile_;
+  throw ConfigError("", "a path starts with sm, table or profile, not '" + name + "'");
+}
+
+AgentHost::Answer AgentHost::attribute(const std::vector<std::string>& words) {
+  const bool set = words[0] == "set";
+  if (words.size() != (set ? 3u : 2u))
+    return refused(set ? "usage: set PATH VALUE" : "usage: get PATH");
+  const std::string& path = words[1];
+  const std::size_t slash = path.find('/');
+  if (slash == std::string::npos)
+    return refused("a path is ROOT/NAME[/NAME...], ROOT being sm, table or profile");
+  const Vel::Ptr<Vel::PtrInterface> object = root(path.substr(0, slash));
+  const std::string rest = path.substr(slash + 1);
+  if (!set)
+    return {0, AttributePath::get(object, rest) + "\n"};
+  AttributePath::set(object, rest, words[2]);
+  return {0, ""};
+}
+
+AgentHost::Answer AgentHost::check() const {
+  auto chipCheck = reinterpret_cast<const char* (*)()>(dlsym(pdLib_, "chipsim_check"));
+  if (chipCheck == nullptr)
+    return {0, "the chip offers no check\n"};
+  const char* fault = chipCheck();
+  if (fault != nullptr)
+    return refused(std::string("chip: ") + fault);
+  return {0, "chip coherent\n"};
+}
+
+}  // namespace mirrorlag_agent

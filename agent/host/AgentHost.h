@@ -1,0 +1,75 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
+#include "config/AgentConfig.h"
+#include "core/AgentTable.h"
+#include "core/ConfigApplier.h"
+#include "host/AgentOptions.h"
+#include "host/StateFile.h"
+
+namespace mirrorlag_agent {
+
+// The agent as a host of the plug-in. Start-up, in this order: load the PD
+// library by its file name (and, on the software chip, attach the named chip,
+// making it when absent), attach the shadow tables of the base name, settle
+// them against the chip, find the plug-in's two factories by name and make the
+// table and the action-profile entity, set the state machine's session, adopt
+// the entries the table adopted, then apply the kept state (or the start-up
+// configuration). Adopted entries and members are modified, not added again.
+//
+// Then it answers commands, each a list of words and, for apply, the text of
+// a configuration (see run()). Every committed change is kept in the state
+// file before the answer goes out.
+class AgentHost {
+ public:
+  // The answer to one command: 0 done, 1 refused or failed; the output.
+  struct Answer {
+    int status = 0;
+    std::string output;
+  };
+
+  explicit AgentHost(const AgentOptions& options);
+  ~AgentHost();
+  AgentHost(const AgentHost&) = delete;
+  AgentHost& operator=(const AgentHost&) = delete;
+
+  // Commands:
+  //   apply                          (the configuration in `body`)
+  //   show config
+  //   member ID selector N | member ID del
+  //   group ID member M add|del|active|inactive
+  //   entry SESSION member|group ID | entry SESSION del
+  //   get PATH | set PATH VALUE      (PATH from sm, table or profile, e.g. sm/sessionHandle)
+  //   check
+  Answer run(const std::vector<std::string>& words, const std::string& body);
+
+  const AgentConfig& running() const noexcept { return running_; }
+  // What start-up did, one line each.
+  const std::vector<std::string>& startLog() const noexcept { return startLog_; }
+
+ private:
+  Answer apply(const AgentConfig& wanted);
+  Answer edit(const std::vector<std::string>& words);
+  Answer attribute(const std::vector<std::string>& words);
+  Answer check() const;
+  Vel::Ptr<Vel::PtrInterface> root(const std::string& name) const;
+
+  AgentOptions options_;
+  void* pdLib_ = nullptr;
+  void* plugin_ = nullptr;
+  Vel::Ptr<MbbVaultKey::VaultKeyManager> keys_;
+  Vel::Ptr<BfIngressMirrorLagGroup::IngressMirrorLagGroupTable> table_;
+  Vel::Ptr<BfIngressMirrorLagGroup::IngressMirrorLagGroupActionProfile> profile_;
+  Vel::Ptr<BfIngressMirrorLagGroup::IngressMirrorLagGroupActionProfileSm> sm_;
+  std::unique_ptr<AgentTable> agentTable_;
+  std::unique_ptr<ConfigApplier> applier_;
+  StateFile state_;
+  AgentConfig running_;
+  std::vector<std::string> startLog_;
+};
+
+}  // namespace mirrorlag_agent
