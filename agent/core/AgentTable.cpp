@@ -26,6 +26,13 @@ AgentTable::AgentTable(Vel::Ptr<IngressMirrorLagGroupTable> table,
   }
 }
 
+std::vector<std::uint16_t> AgentTable::sessions() const {
+  std::vector<std::uint16_t> result;
+  for (const auto& [session, match] : matches_)
+    result.push_back(session);
+  return result;
+}
+
 void AgentTable::memberIs(std::uint32_t id, std::uint16_t selector) {
   auto action = Vel::allocate<SetLagMemberSelectorActionProfileSpec>();
   action->lagMemberSelectorIs(selector);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <vector>
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
 #include "config/ConfigTarget.h"
@@ -29,6 +30,9 @@ class AgentTable {
       const noexcept {
     return profile_;
   }
+
+  // The mirror sessions whose entries the agent holds (programmed or adopted).
+  std::vector<std::uint16_t> sessions() const;
 
   void memberIs(std::uint32_t id, std::uint16_t selector);
   void memberDel(std::uint32_t id);

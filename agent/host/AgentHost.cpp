@@ -105,12 +105,60 @@ AgentHost::AgentHost(const AgentOptions& options) : options_(options), state_(op
     text << in.rdbuf();
     start = AgentConfig::fromText(text.str());
   }
-  if (start) {
-    const Answer answer = apply(*start);
-    if (answer.status != 0)
-      throw std::runtime_error(answer.output);
-    startLog_.push_back("applied " + std::to_string(applier_->changes().size()) + " changes");
+  const std::vector<std::uint32_t> oldGroups = recordedGroups();
+  const Answer answer = apply(start.value_or(AgentConfig()));
+  if (answer.status != 0)
+    throw std::runtime_error(answer.output);
+  startLog_.push_back("applied " + std::to_string(applier_->changes().size()) + " changes");
+  startLog_.push_back("removed " + std::to_string(removeLeftovers(oldGroups)) +
+                      " objects left behind");
+}
+
+std::vector<std::uint32_t> AgentHost::recordedGroups() const {
+  std::vector<std::uint32_t> handles;
+  for (const auto& record : keys_->groupShadow()->records()) {
+    handles.push_back(record.groupHandle());
+    if (record.replacedHandle() != 0)
+      handles.push_back(record.replacedHandle());
   }
+  return handles;
+}
+
+std::size_t AgentHost::removeLeftovers(const std::vector<std::uint32_t>& oldGroups) {
+  std::size_t removed = 0;
+  for (std::uint16_t session : agentTable_->sessions()) {
+    if (running_.entries.count(session) == 0) {
+      agentTable_->entryDel(session);
+      ++removed;
+    }
+  }
+  const IngressMirrorLagGroupTableHandles& handles = *table_->helper()->sdkHandles();
+  std::vector<std::uint32_t> current;
+  for (auto slot = handles.groups().begin(); slot; ++slot)
+    current.push_back(slot.value());
+  auto& pd = *table_->helper()->pdLib();
+  const std::uint32_t session = sm_->sessionHandle();
+  for (std::uint32_t handle : oldGroups) {
+    if (std::find(current.begin(), current.end(), handle) != current.end())
+      continue;
+    // Gone already (6) is as good as deleted.
+    const pipe_status status = pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(
+        session, options_.device, handle);
+    removed += status == 0 ? 1 : 0;
+  }
+  std::vector<std::pair<BfnTable::BfnMemberId, std::uint32_t>> stale;
+  for (auto slot = handles.members().begin(); slot; ++slot) {
+    if (running_.members.count(slot.key().value()) == 0)
+      stale.emplace_back(slot.key(), slot.value());
+  }
+  for (const auto& [id, handle] : stale) {
+    if (pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member(session, options_.device,
+                                                                     handle) == 0) {
+      table_->helper()->sdkHandles()->memberDel(id);
+      ++removed;
+    }
+  }
+  return removed;
 }
 
 AgentHost::~AgentHost() = default;

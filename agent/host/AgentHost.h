@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -53,6 +54,12 @@ class AgentHost {
 
  private:
   Answer apply(const AgentConfig& wanted);
+  // After a restart's apply: deletes from the chip what the instances before
+  // left and the configuration does not name (entries, the groups that were
+  // created anew, members); gives how many objects went.
+  std::size_t removeLeftovers(const std::vector<std::uint32_t>& oldGroups);
+  // The group handles the shadow tables know of: recorded and replaced ones.
+  std::vector<std::uint32_t> recordedGroups() const;
   Answer edit(const std::vector<std::string>& words);
   Answer attribute(const std::vector<std::string>& words);
   Answer check() const;

@@ -162,6 +162,11 @@ TEST_F(AgentProcessTest, AfterSigkillTheNextAgentKeepsItsChangesAndAddsNothingAg
   const AgentConfig running = AgentConfig::fromText(ctl("show config").output);
   EXPECT_EQ(running.entries.count(7), 1u);
   EXPECT_EQ(ctl("check").output, "chip coherent\n");
+  // The group was created anew; the old one, used by no entry any more, is gone.
+  const std::string dump = run(std::string(CHIPSIM_TOOL) + " --chip " + chipName + " dump").output;
+  EXPECT_THAT(dump, testing::HasSubstr("groups: 1 of"));
+  EXPECT_THAT(dump, testing::HasSubstr("members: 3 of"));
+  EXPECT_THAT(dump, testing::HasSubstr("entries: 3 of"));
 }
 
 }  // namespace
