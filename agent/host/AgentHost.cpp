@@ -60,6 +60,13 @@ std::uint32_t numberOf(const std::string& word, const char* what) {
   throw ConfigError("", std::string(what) + " '" + word + "' is not a number");
 }
 
+// Removes from a JSON array the items whose `key` is `value`.
+void eraseWhere(nlohmann::json& items, const char* key, std::uint32_t value) {
+  items.erase(std::remove_if(items.begin(), items.end(),
+                             [&](const nlohmann::json& item) { return item[key] == value; }),
+              items.end());
+}
+
 AgentHost::Answer refused(const std::string& why) {
   return {1, why + "\n"};
 }
@@ -223,26 +230,16 @@ AgentHost::Answer AgentHost::edit(const std::vector<std::string>& words) {
       members.push_back({{"id", id}, {"selector", numberOf(words[3], "selector")}});
   } else if (kind == "member" && words.size() == 3 && words[2] == "del") {
     const std::uint32_t id = numberOf(words[1], "member");
-    auto& members = document["members"];
-    members.erase(std::remove_if(members.begin(), members.end(),
-                                 [id](const nlohmann::json& m) { return m["id"] == id; }),
-                  members.end());
+    eraseWhere(document["members"], "id", id);
   } else if (kind == "entry" && words.size() == 4 &&
              (words[2] == "member" || words[2] == "group")) {
     const std::uint32_t session = numberOf(words[1], "session");
-    auto& entries = document["entries"];
-    entries.erase(
-        std::remove_if(entries.begin(), entries.end(),
-                       [session](const nlohmann::json& e) { return e["session"] == session; }),
-        entries.end());
-    entries.push_back({{"session", session}, {words[2], numberOf(words[3], words[2].c_str())}});
+    eraseWhere(document["entries"], "session", session);
+    document["entries"].push_back(
+        {{"session", session}, {words[2], numberOf(words[3], words[2].c_str())}});
   } else if (kind == "entry" && words.size() == 3 && words[2] == "del") {
     const std::uint32_t session = numberOf(words[1], "session");
-    auto& entries = document["entries"];
-    entries.erase(
-        std::remove_if(entries.begin(), entries.end(),
-                       [session](const nlohmann::json& e) { return e["session"] == session; }),
-        entries.end());
+    eraseWhere(document["entries"], "session", session);
   } else if (kind == "group" && words.size() == 5 && words[2] == "member") {
     const std::uint32_t id = numberOf(words[1], "group");
     const std::uint32_t memberId = numberOf(words[3], "member");
@@ -256,10 +253,7 @@ AgentHost::Answer AgentHost::edit(const std::vector<std::string>& words) {
       if (action == "add") {
         members.push_back({{"id", memberId}});
       } else if (action == "del") {
-        members.erase(
-            std::remove_if(members.begin(), members.end(),
-                           [memberId](const nlohmann::json& m) { return m["id"] == memberId; }),
-            members.end());
+        eraseWhere(members, "id", memberId);
       } else if (action == "active" || action == "inactive") {
         for (auto& member : members) {
           if (member["id"] == memberId)
