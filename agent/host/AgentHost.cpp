@@ -67,6 +67,61 @@ void eraseWhere(nlohmann::json& items, const char* key, std::uint32_t value) {
               items.end());
 }
 
+// The edits of the running configuration's JSON form that the client's
+// commands make; a malformed command is an std::invalid_argument.
+
+// member ID selector N | member ID del
+void editMember(nlohmann::json& document, const std::vector<std::string>& words) {
+  const bool select = words.size() == 4 && words[2] == "selector";
+  if (!select && !(words.size() == 3 && words[2] == "del"))
+    throw std::invalid_argument("usage: member ID selector N | member ID del");
+  const std::uint32_t id = numberOf(words[1], "member");
+  eraseWhere(document["members"], "id", id);
+  if (select)
+    document["members"].push_back({{"id", id}, {"selector", numberOf(words[3], "selector")}});
+}
+
+// entry SESSION member|group ID | entry SESSION del
+void editEntry(nlohmann::json& document, const std::vector<std::string>& words) {
+  const bool point = words.size() == 4 && (words[2] == "member" || words[2] == "group");
+  if (!point && !(words.size() == 3 && words[2] == "del"))
+    throw std::invalid_argument("usage: entry SESSION member|group ID | entry SESSION del");
+  const std::uint32_t session = numberOf(words[1], "session");
+  eraseWhere(document["entries"], "session", session);
+  if (point) {
+    document["entries"].push_back(
+        {{"session", session}, {words[2], numberOf(words[3], words[2].c_str())}});
+  }
+}
+
+// group ID member M add|del|active|inactive
+void editGroupMember(nlohmann::json& document, const std::vector<std::string>& words) {
+  if (words.size() != 5 || words[2] != "member")
+    throw std::invalid_argument("usage: group ID member M add|del|active|inactive");
+  const std::uint32_t id = numberOf(words[1], "group");
+  const std::uint32_t memberId = numberOf(words[3], "member");
+  const std::string& action = words[4];
+  for (auto& group : document["groups"]) {
+    if (group["id"] != id)
+      continue;
+    auto& members = group["members"];
+    if (action == "add") {
+      members.push_back({{"id", memberId}});
+    } else if (action == "del") {
+      eraseWhere(members, "id", memberId);
+    } else if (action == "active" || action == "inactive") {
+      for (auto& member : members) {
+        if (member["id"] == memberId)
+          member["active"] = action == "active";
+      }
+    } else {
+      throw std::invalid_argument("a group member is add, del, active or inactive");
+    }
+    return;
+  }
+  throw std::invalid_argument("group " + words[1] + " is not configured");
+}
+
 AgentHost::Answer refused(const std::string& why) {
   return {1, why + "\n"};
 }
@@ -216,58 +271,12 @@ AgentHost::Answer AgentHost::apply(const AgentConfig& wanted) {
 AgentHost::Answer AgentHost::edit(const std::vector<std::string>& words) {
   nlohmann::json document = running_.toJson();
   const std::string& kind = words[0];
-  if (kind == "member" && words.size() == 4 && words[2] == "selector") {
-    const std::uint32_t id = numberOf(words[1], "member");
-    nlohmann::json& members = document["members"];
-    bool found = false;
-    for (auto& member : members) {
-      if (member["id"] == id) {
-        member["selector"] = numberOf(words[3], "selector");
-        found = true;
-      }
-    }
-    if (!found)
-      members.push_back({{"id", id}, {"selector", numberOf(words[3], "selector")}});
-  } else if (kind == "member" && words.size() == 3 && words[2] == "del") {
-    const std::uint32_t id = numberOf(words[1], "member");
-    eraseWhere(document["members"], "id", id);
-  } else if (kind == "entry" && words.size() == 4 &&
-             (words[2] == "member" || words[2] == "group")) {
-    const std::uint32_t session = numberOf(words[1], "session");
-    eraseWhere(document["entries"], "session", session);
-    document["entries"].push_back(
-        {{"session", session}, {words[2], numberOf(words[3], words[2].c_str())}});
-  } else if (kind == "entry" && words.size() == 3 && words[2] == "del") {
-    const std::uint32_t session = numberOf(words[1], "session");
-    eraseWhere(document["entries"], "session", session);
-  } else if (kind == "group" && words.size() == 5 && words[2] == "member") {
-    const std::uint32_t id = numberOf(words[1], "group");
-    const std::uint32_t memberId = numberOf(words[3], "member");
-    const std::string& action = words[4];
-    bool found = false;
-    for (auto& group : document["groups"]) {
-      if (group["id"] != id)
-        continue;
-      found = true;
-      auto& members = group["members"];
-      if (action == "add") {
-        members.push_back({{"id", memberId}});
-      } else if (action == "del") {
-        eraseWhere(members, "id", memberId);
-      } else if (action == "active" || action == "inactive") {
-        for (auto& member : members) {
-          if (member["id"] == memberId)
-            member["active"] = action == "active";
-        }
-      } else {
-        return refused("group member action must be add, del, active or inactive");
-      }
-    }
-    if (!found)
-      return refused("group " + words[1] + " is not configured");
-  } else {
-    return refused("bad " + kind + " command");
-  }
+  if (kind == "member")
+    editMember(document, words);
+  else if (kind == "entry")
+    editEntry(document, words);
+  else
+    editGroupMember(document, words);
   return apply(AgentConfig::fromJson(document));
 }
 
