@@ -1,10 +1,13 @@
 #include "Cli.h"
 
+#include "TrafficRun.h"
+
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <map>
 
 #include "chipsim/chipsim.h"
 
@@ -30,6 +33,13 @@ Commands:
                                  the first pipe with an entry for it), and print
                                  the LAG member selector it gets, or "miss"
   reset                          empty the chip
+  traffic [--sessions A-B] [--seconds S]
+                                 forward packets of the mirror sessions A to B
+                                 (default 0-63) one after the other, with
+                                 changing hashes, for S seconds (default 10; 0:
+                                 until interrupted); print the lookups per
+                                 second as they go, then the lookups, the
+                                 misses and the sessions that missed
 
 Options:
   --chip NAME                    the chip to work on; it must exist
@@ -100,7 +110,7 @@ int Cli::run() {
 
 int Cli::dispatch(const std::string& command, const std::vector<std::string>& operands) {
   bool known = command == "dump" || command == "log" || command == "reset" || command == "fault" ||
-               command == "forward";
+               command == "forward" || command == "traffic";
   if (!known) {
     return usageError("unknown command '" + command + "'");
   }
@@ -119,6 +129,9 @@ int Cli::dispatch(const std::string& command, const std::vector<std::string>& op
   }
   if (command == "reset") {
     return reset();
+  }
+  if (command == "traffic") {
+    return traffic(operands);
   }
   return command == "fault" ? fault(operands) : forward(operands);
 }
@@ -199,4 +212,33 @@ int Cli::forward(const std::vector<std::string>& operands) {
     default:
       return failure(std::string("cannot forward: ") + std::strerror(result));
   }
+}
+
+int Cli::traffic(const std::vector<std::string>& operands) {
+  std::uint64_t first = 0;
+  std::uint64_t last = 63;
+  std::uint64_t seconds = 10;
+  for (std::size_t i = 0; i < operands.size(); ++i) {
+    const std::string& option = operands[i];
+    if (i + 1 == operands.size() || (option != "--sessions" && option != "--seconds"))
+      return usageError("traffic takes --sessions A-B and --seconds S");
+    const std::string& value = operands[++i];
+    if (option == "--seconds") {
+      std::optional<uint64_t> parsed = number("seconds", value, 86400);
+      if (!parsed)
+        return kUsage;
+      seconds = *parsed;
+      continue;
+    }
+    const std::size_t dash = value.find('-');
+    std::optional<uint64_t> from = number("session", value.substr(0, dash), UINT16_MAX);
+    std::optional<uint64_t> to =
+        dash == std::string::npos ? from : number("session", value.substr(dash + 1), UINT16_MAX);
+    if (!from || !to || *to < *from)
+      return usageError("bad sessions '" + value + "'");
+    first = *from;
+    last = *to;
+  }
+  return TrafficRun(static_cast<std::uint16_t>(first), static_cast<std::uint16_t>(last), seconds)
+      .run();
 }

@@ -24,6 +24,7 @@ class Cli {
   int fault(const std::vector<std::string>& operands);
   int forward(const std::vector<std::string>& operands);
   int reset();
+  int traffic(const std::vector<std::string>& operands);
 
   int usageError(const std::string& message) const;
   int failure(const std::string& message) const;

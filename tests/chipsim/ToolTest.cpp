@@ -2,6 +2,9 @@
 #include "NamedChip.h"
 #include "ToolRun.h"
 
+#include <chrono>
+#include <thread>
+
 namespace chipsim_test {
 namespace {
 
@@ -70,6 +73,13 @@ Commands:
                                  the first pipe with an entry for it), and print
                                  the LAG member selector it gets, or "miss"
   reset                          empty the chip
+  traffic [--sessions A-B] [--seconds S]
+                                 forward packets of the mirror sessions A to B
+                                 (default 0-63) one after the other, with
+                                 changing hashes, for S seconds (default 10; 0:
+                                 until interrupted); print the lookups per
+                                 second as they go, then the lookups, the
+                                 misses and the sessions that missed
 
 Options:
   --chip NAME                    the chip to work on; it must exist
@@ -190,6 +200,60 @@ TEST_F(ToolTest, BadCommandLinesAreRefused) {
   expectUsageError(tool({"forward", "65536", "0"}), "bad session '65536'");
   expectUsageError(tool({"forward", "5", "0", "4"}), "no pipe 4 on this chip");
   EXPECT_EQ(pd.calls(kAddEntry.c_str()), 0);
+}
+
+// The last line of a tool's output.
+std::string lastLineOf(const std::string& out) {
+  const std::size_t end = out.find_last_not_of('\n');
+  const std::size_t start = out.rfind('\n', end);
+  return out.substr(start == std::string::npos ? 0 : start + 1, end - start);
+}
+
+TEST_F(ToolTest, TrafficCountsTheMissesOfEachSession) {
+  const uint32_t member = addMember(7);
+  for (uint16_t session = 0; session < 4; ++session)
+    addEntry(session, member);
+  ToolRun run = tool({"traffic", "--sessions", "0-4", "--seconds", "1"});
+  EXPECT_EQ(run.exitStatus, 1);
+  const std::string summary = lastLineOf(run.out);
+  EXPECT_EQ(summary.rfind("traffic: ", 0), 0u) << summary;
+  EXPECT_NE(summary.find(" misses, sessions missed: 4 ("), std::string::npos) << summary;
+  EXPECT_NE(run.out.find(" lookups/s, "), std::string::npos) << run.out;
+}
+
+TEST_F(ToolTest, TrafficWithoutMissesEndsWell) {
+  const uint32_t member = addMember(7);
+  for (uint16_t session = 0; session < 4; ++session)
+    addEntry(session, member);
+  ToolRun run = tool({"traffic", "--sessions", "0-3", "--seconds", "1"});
+  EXPECT_EQ(run.exitStatus, 0);
+  EXPECT_NE(lastLineOf(run.out).find(", 0 misses"), std::string::npos) << run.out;
+}
+
+TEST_F(ToolTest, AnEntryRemovedMidRunIsMissedByItsSessionOnly) {
+  const uint32_t member = addMember(7);
+  std::vector<uint32_t> entries;
+  for (uint16_t session = 0; session < 4; ++session)
+    entries.push_back(addEntry(session, member));
+  std::thread remover([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    EXPECT_EQ(pd.tableDelete(1, 0, entries[2]), 0);
+  });
+  ToolRun run = tool({"traffic", "--sessions", "0-3", "--seconds", "2"});
+  remover.join();
+  EXPECT_EQ(run.exitStatus, 1);
+  const std::string summary = lastLineOf(run.out);
+  const std::size_t missed = summary.find("sessions missed: ");
+  ASSERT_NE(missed, std::string::npos) << summary;
+  const std::string sessions = summary.substr(missed + 17);
+  EXPECT_EQ(sessions.rfind("2 (", 0), 0u) << summary;
+  EXPECT_EQ(sessions.find(") "), std::string::npos) << "more than one session missed: " << summary;
+}
+
+TEST_F(ToolTest, TrafficRefusesBadOptions) {
+  expectUsageError(tool({"traffic", "--sessions", "9-3"}), "bad sessions '9-3'");
+  expectUsageError(tool({"traffic", "--rate", "3"}),
+                   "traffic takes --sessions A-B and --seconds S");
 }
 
 }  // namespace
