@@ -171,7 +171,8 @@ AgentHost::AgentHost(const AgentOptions& options) : options_(options), state_(op
   const Answer answer = apply(start.value_or(AgentConfig()));
   if (answer.status != 0)
     throw std::runtime_error(answer.output);
-  startLog_.push_back("applied " + std::to_string(applier_->changes().size()) + " changes");
+  startLog_.push_back("applied " + std::to_string(applier_->changes().size()) + " changes, " +
+                      std::to_string(running_.groups.size()) + " groups created anew");
   startLog_.push_back("removed " + std::to_string(removeLeftovers(oldGroups)) +
                       " objects left behind");
 }
