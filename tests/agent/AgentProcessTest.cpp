@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <pty.h>
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -8,6 +10,7 @@
 #include <chrono>
 #include <cstdio>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -167,6 +170,61 @@ TEST_F(AgentProcessTest, AfterSigkillTheNextAgentKeepsItsChangesAndAddsNothingAg
   EXPECT_THAT(dump, testing::HasSubstr("groups: 1 of"));
   EXPECT_THAT(dump, testing::HasSubstr("members: 3 of"));
   EXPECT_THAT(dump, testing::HasSubstr("entries: 3 of"));
+}
+
+// Reads what the terminal shows until `wanted` appears (or a few seconds pass).
+std::string readUntil(int terminal, const std::string& wanted) {
+  std::string seen;
+  for (int tries = 0; tries < 200 && seen.find(wanted) == std::string::npos; ++tries) {
+    char buffer[4096];
+    pollfd ready{terminal, POLLIN, 0};
+    if (poll(&ready, 1, 20) > 0) {
+      const ssize_t got = read(terminal, buffer, sizeof buffer);
+      if (got <= 0)
+        break;
+      seen.append(buffer, static_cast<std::size_t>(got));
+    }
+  }
+  return seen;
+}
+
+TEST_F(AgentProcessTest, TheShellRunsCommandsCompletesAndKeepsItsHistory) {
+  startAgent();
+  const std::string home = "/tmp/" + chipName + "-home";
+  mkdir(home.c_str(), 0700);
+  int terminal = -1;
+  const pid_t shell = forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (shell == 0) {
+    setenv("HOME", home.c_str(), 1);
+    setenv("TERM", "dumb", 1);
+    execl(MIRRORLAGCTL, MIRRORLAGCTL, "--socket", socketPath.c_str(), "shell",
+          static_cast<char*>(nullptr));
+    _exit(127);
+  }
+  ASSERT_GT(shell, 0);
+  EXPECT_THAT(readUntil(terminal, "mirrorlag> "), testing::HasSubstr("mirrorlag> "));
+  const std::string line = "get sm/sessionHandle\n";
+  ASSERT_EQ(write(terminal, line.data(), line.size()), static_cast<ssize_t>(line.size()));
+  EXPECT_THAT(readUntil(terminal, "1\r\nmirrorlag> "), testing::HasSubstr("1\r\nmirrorlag> "));
+  // Tab completes a command, then a group id of the running configuration.
+  const std::string partial = "gr\t10\t";
+  ASSERT_EQ(write(terminal, partial.data(), partial.size()), static_cast<ssize_t>(partial.size()));
+  EXPECT_THAT(readUntil(terminal, "group 100 "), testing::HasSubstr("group 100 "));
+  const std::string rest = "member 3 active\nquit\n";
+  ASSERT_EQ(write(terminal, rest.data(), rest.size()), static_cast<ssize_t>(rest.size()));
+  readUntil(terminal, "never");
+  int status = 0;
+  waitpid(shell, &status, 0);
+  close(terminal);
+  EXPECT_EQ(AgentConfig::fromText(ctl("show config").output).groups.at(100).members[2].active,
+            true);
+  std::ifstream history(home + "/.mirrorlagctl_history");
+  std::stringstream kept;
+  kept << history.rdbuf();
+  EXPECT_THAT(kept.str(), testing::HasSubstr("get sm/sessionHandle"));
+  EXPECT_THAT(kept.str(), testing::HasSubstr("group 100 member 3 active"));
+  std::remove((home + "/.mirrorlagctl_history").c_str());
+  rmdir(home.c_str());
 }
 
 }  // namespace
