@@ -1,13 +1,17 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
+#include "BfnTable/BfnSdkHandle.h"
+#include "Vel/Allocate.h"
 #include "Vel/AttributeRecord.h"
 #include "Vel/BuiltinType.h"
 #include "Vel/EntityType.h"
+#include "Vel/EnumType.h"
 #include "Vel/GenericIf.h"
 #include "Vel/TypeNode.h"
 
@@ -16,31 +20,44 @@ namespace {
 
 using Vel::AttributeRecord;
 
-// One attribute as its type's record lists it.
+constexpr unsigned kPlain = AttributeRecord::plain;
+constexpr unsigned kCollection = AttributeRecord::collection;
+constexpr unsigned kReadWrite = AttributeRecord::readWrite;
+constexpr unsigned kConstructorArg = AttributeRecord::constructorArg;
+constexpr unsigned kNotifying = AttributeRecord::notifying;
+
+// One attribute as its type's record lists it; `key` is the name of the key
+// type of a collection, empty for a plain attribute.
 struct Attribute {
   std::string name;
   unsigned number;
+  unsigned flags;
   std::string type;
-  bool collection;
-  bool writable;
+  std::string key;
 
   bool operator==(const Attribute&) const = default;
 };
 
 void PrintTo(const Attribute& a, std::ostream* out) {
-  *out << a.name << " " << a.number << " " << a.type << (a.collection ? " collection" : "")
-       << (a.writable ? " rw" : "");
+  *out << "{" << a.name << ", " << a.number << ", flags " << a.flags << ", " << a.type;
+  if (!a.key.empty())
+    *out << " by " << a.key;
+  *out << "}";
 }
 
-std::vector<Attribute> attributesOf(const std::string& typeName) {
-  const Vel::TypeRecord* type = Vel::typeNode(typeName);
-  EXPECT_NE(type, nullptr) << typeName;
-  std::vector<Attribute> result;
+// The type's own attribute table, in order, as registered under `name`.
+std::vector<Attribute> tableOf(const std::string& name) {
+  const Vel::TypeRecord* type = Vel::typeNode(name);
+  EXPECT_NE(type, nullptr) << name;
+  std::vector<Attribute> table;
   if (type == nullptr)
-    return result;
-  for (const AttributeRecord& a : type->attributes())
-    result.push_back({a.name(), a.number(), a.type().name(), a.isCollection(), a.isReadWrite()});
-  return result;
+    return table;
+  for (const AttributeRecord& a : type->attributes()) {
+    EXPECT_EQ(&a.owner(), type) << a.name();
+    table.push_back({a.name(), a.number(), a.flags(), a.type().name(),
+                     a.keyType() != nullptr ? a.keyType()->name() : ""});
+  }
+  return table;
 }
 
 const std::string kNs = "BfIngressMirrorLagGroup::";
@@ -48,107 +65,211 @@ const std::string kU8 = Vel::BuiltinType<std::uint8_t>::instance().name();
 const std::string kU16 = Vel::BuiltinType<std::uint16_t>::instance().name();
 const std::string kU32 = Vel::BuiltinType<std::uint32_t>::instance().name();
 const std::string kBool = Vel::BuiltinType<bool>::instance().name();
+const std::string kSdkHandle = Vel::BuiltinType<BfnTable::BfnSdkEntryHandle>::instance().name();
+const std::string kActionType = kNs + "IngressMirrorLagGroupActionProfileType";
 
-TEST(AttributeTableTest, TheMatchTable) {
-  EXPECT_EQ(attributesOf(kNs + "IngressMirrorLagGroupTable"),
+const std::vector<std::string> kEntities = {
+    "IngressMirrorLagGroupTable",         "IngressMirrorLagGroupActionProfileEntry",
+    "IngressMirrorLagGroupMember",        "IngressMirrorLagGroupTableHandles",
+    "IngressMirrorLagGroupActionProfile", "IngressMirrorLagGroupGroup"};
+
+TEST(AttributeTableTest, Table) {
+  EXPECT_EQ(tableOf(kNs + "IngressMirrorLagGroupTable"),
             (std::vector<Attribute>{
-                {"helper", 258, kNs + "IngressMirrorLagGroupTableHelper", false, false},
-                {"vaultKeyManager", 259, "MbbVaultKey::VaultKeyManager", false, false},
-                {"statusManager", 260, "BfnTableStatusManager::StatusManager", false, false},
-                {"defaultMatchSpec", 261, kNs + "IngressMirrorLagGroupMatchSpec", false, false},
-                {"entry", 262, kNs + "IngressMirrorLagGroupTableEntry", true, true},
-                {"entryByHandle", 263, kNs + "IngressMirrorLagGroupTableEntry", true, false}}));
+                {"helper", 258, kConstructorArg, kNs + "IngressMirrorLagGroupTableHelper", ""},
+                {"vaultKeyManager", 259, kConstructorArg, "MbbVaultKey::VaultKeyManager", ""},
+                {"statusManager", 260, kConstructorArg, "BfnTableStatusManager::StatusManager", ""},
+                {"defaultMatchSpec", 261, kPlain, kNs + "IngressMirrorLagGroupMatchSpec", ""},
+                {"entry", 262, kCollection | kReadWrite, kNs + "IngressMirrorLagGroupTableEntry",
+                 kNs + "IngressMirrorLagGroupMatchSpec"},
+                {"entryByHandle", 263, kCollection, kNs + "IngressMirrorLagGroupTableEntry",
+                 kSdkHandle}}));
 }
 
-TEST(AttributeTableTest, TheActionSpecs) {
-  const std::vector<Attribute> expected{
-      {"actionType", 130, kNs + "IngressMirrorLagGroupActionProfileType", false, true},
-      {"lagMemberSelector", 131, kU16, false, true}};
-  EXPECT_EQ(attributesOf(kNs + "IngressMirrorLagGroupBaseActionProfileSpec"), expected);
-  EXPECT_EQ(attributesOf(kNs + "SetLagMemberSelectorActionProfileSpec"), expected);
-  EXPECT_EQ(Vel::typeNode(kNs + "SetLagMemberSelectorActionProfileSpec")->base(),
-            Vel::typeNode(kNs + "IngressMirrorLagGroupBaseActionProfileSpec"));
+TEST(AttributeTableTest, SetLagMemberSelectorSpecListsTheBaseAttributesAgain) {
+  const std::vector<Attribute> specAttributes{{"actionType", 130, kReadWrite, kActionType, ""},
+                                              {"lagMemberSelector", 131, kReadWrite, kU16, ""}};
+  EXPECT_EQ(tableOf(kNs + "IngressMirrorLagGroupBaseActionProfileSpec"), specAttributes);
+  EXPECT_EQ(tableOf(kNs + "SetLagMemberSelectorActionProfileSpec"), specAttributes);
+  const Vel::TypeRecord& derived =
+      Vel::GenericIf::typeNamed(kNs + "SetLagMemberSelectorActionProfileSpec");
+  const Vel::TypeRecord& base =
+      Vel::GenericIf::typeNamed(kNs + "IngressMirrorLagGroupBaseActionProfileSpec");
+  EXPECT_EQ(derived.base(), &base);
+  EXPECT_EQ(base.base(), nullptr);
+  // The derived spec serves no attribute itself: every call passes on to the base.
+  EXPECT_EQ(derived.operations().attribute, nullptr);
+  EXPECT_EQ(derived.operations().iterator, nullptr);
+  EXPECT_EQ(derived.operations().iteratorAtKey, nullptr);
+  EXPECT_EQ(derived.operations().notifiee, nullptr);
+  // The inherited record stands at the place of the base's.
+  const std::vector<const AttributeRecord*> all = derived.allAttributes();
+  ASSERT_EQ(all.size(), 2u);
+  EXPECT_EQ(&all[0]->owner(), &derived);
+  EXPECT_EQ(&all[1]->owner(), &derived);
+
+  const auto spec = Vel::allocate<SetLagMemberSelectorActionProfileSpec>();
+  Vel::GenericIf specIf(spec);
+  EXPECT_EQ(&specIf.attributeRecord("lagMemberSelector").owner(), &derived);
+  specIf.attribute("lagMemberSelector", Vel::GenericIf::opWrite,
+                   {Vel::BuiltinType<std::uint16_t>::value(33)});
+  EXPECT_EQ(spec->lagMemberSelector(), 33u);
+  // The base's own record serves the derived object too.
+  EXPECT_EQ(specIf.attribute(*base.attribute("lagMemberSelector"), Vel::GenericIf::opRead)
+                .get<std::uint16_t>(),
+            33u);
 }
 
-TEST(AttributeTableTest, TheValues) {
+TEST(AttributeTableTest, TableEntry) {
+  EXPECT_EQ(tableOf(kNs + "IngressMirrorLagGroupTableEntry"),
+            (std::vector<Attribute>{
+                {"match", 2, kConstructorArg, kNs + "IngressMirrorLagGroupMatchSpec", ""},
+                {"memberOrGroup", 3, kReadWrite | kConstructorArg,
+                 kNs + "IngressMirrorLagGroupMemberOrGroupOrNone", ""}}));
+  EXPECT_EQ(Vel::typeNode(kNs + "IngressMirrorLagGroupTableEntry")->base(), nullptr);
+}
+
+TEST(AttributeTableTest, ActionTypeIsAnEnumerationOfOneEnumerator) {
+  const Vel::TypeRecord& type = Vel::GenericIf::typeNamed(kActionType);
+  EXPECT_EQ(type.kind(), Vel::TypeRecord::Kind::enumeration);
+  EXPECT_TRUE(type.attributes().empty());
+  const auto* enumeration = dynamic_cast<const Vel::EnumType<unsigned int>*>(&type);
+  ASSERT_NE(enumeration, nullptr);
+  ASSERT_EQ(enumeration->enumerators().size(), 1u);
+  EXPECT_EQ(enumeration->enumerators()[0].name, "setLagMemberSelectorActionProfileSpec");
+  EXPECT_EQ(enumeration->enumerators()[0].value, 0u);
+  const Vel::GenericValue value =
+      Vel::GenericIf::valueFromText(kActionType, "'setLagMemberSelectorActionProfileSpec'");
+  EXPECT_EQ(value.get<IngressMirrorLagGroupActionProfileType>(),
+            setLagMemberSelectorActionProfileSpec);
+  EXPECT_EQ(Vel::GenericIf(value).text(), "'setLagMemberSelectorActionProfileSpec'");
+}
+
+TEST(AttributeTableTest, MatchSpec) {
+  EXPECT_EQ(tableOf(kNs + "IngressMirrorLagGroupMatchSpec"),
+            (std::vector<Attribute>{{"ingMirrorMdMirrorSession", 130, kReadWrite, kU16, ""}}));
+  const Vel::TypeRecord* base = Vel::typeNode(kNs + "IngressMirrorLagGroupMatchSpec")->base();
+  ASSERT_NE(base, nullptr);
+  EXPECT_EQ(base->name(), "BfnTable::MatchSpecBase");
+  EXPECT_EQ(base->kind(), Vel::TypeRecord::Kind::object);
+}
+
+TEST(AttributeTableTest, StateMachineHasNoAttributeNumbered136) {
+  EXPECT_EQ(tableOf(kNs + "IngressMirrorLagGroupActionProfileSm"),
+            (std::vector<Attribute>{
+                {"ingressMirrorLagGroupActionProfile", 130, kConstructorArg,
+                 kNs + "IngressMirrorLagGroupActionProfile", ""},
+                {"helper", 131, kConstructorArg, kNs + "IngressMirrorLagGroupTableHelper", ""},
+                {"vaultKeyManager", 132, kConstructorArg, "MbbVaultKey::VaultKeyManager", ""},
+                {"statusManager", 133, kConstructorArg, "BfnTableStatusManager::StatusManager", ""},
+                {"sessionHandle", 134, kReadWrite, kU32, ""},
+                {"actionProfile", 135, kCollection | kReadWrite,
+                 kNs + "IngressMirrorLagGroupActionProfileEntry", "BfnTable::BfnMemberId"},
+                {"group", 137, kCollection | kReadWrite, kNs + "IngressMirrorLagGroupGroup",
+                 "BfnTable::BfnGroupId"}}));
+  EXPECT_EQ(Vel::typeNode(kNs + "IngressMirrorLagGroupActionProfileSm")->base(), nullptr);
+}
+
+TEST(AttributeTableTest, ActionProfileEntry) {
+  EXPECT_EQ(tableOf(kNs + "IngressMirrorLagGroupActionProfileEntry"),
+            (std::vector<Attribute>{{"memberId", 258, kConstructorArg, "BfnTable::BfnMemberId", ""},
+                                    {"action", 260, kReadWrite | kConstructorArg | kNotifying,
+                                     kNs + "IngressMirrorLagGroupBaseActionProfileSpec", ""}}));
+}
+
+TEST(AttributeTableTest, MemberOrGroupOrNone) {
+  EXPECT_EQ(tableOf(kNs + "IngressMirrorLagGroupMemberOrGroupOrNone"),
+            (std::vector<Attribute>{{"id", 2, kConstructorArg, kU32, ""},
+                                    {"member", 3, kConstructorArg, kBool, ""}}));
+  EXPECT_EQ(Vel::typeNode(kNs + "IngressMirrorLagGroupMemberOrGroupOrNone")->base(), nullptr);
+}
+
+TEST(AttributeTableTest, Member) {
+  EXPECT_EQ(tableOf(kNs + "IngressMirrorLagGroupMember"),
+            (std::vector<Attribute>{{"memberId", 258, kConstructorArg, "BfnTable::BfnMemberId", ""},
+                                    {"active", 259, kReadWrite | kNotifying, kBool, ""}}));
+}
+
+TEST(AttributeTableTest, TableHandles) {
+  EXPECT_EQ(tableOf(kNs + "IngressMirrorLagGroupTableHandles"),
+            (std::vector<Attribute>{
+                {"entry", 258, kCollection | kReadWrite, kSdkHandle,
+                 kNs + "IngressMirrorLagGroupMatchSpec"},
+                {"group", 259, kCollection | kReadWrite, kSdkHandle, "BfnTable::BfnGroupId"},
+                {"member", 260, kCollection | kReadWrite, kSdkHandle, "BfnTable::BfnMemberId"}}));
+}
+
+TEST(AttributeTableTest, TableHelper) {
   EXPECT_EQ(
-      attributesOf(kNs + "IngressMirrorLagGroupTableEntry"),
+      tableOf(kNs + "IngressMirrorLagGroupTableHelper"),
       (std::vector<Attribute>{
-          {"match", 2, kNs + "IngressMirrorLagGroupMatchSpec", false, false},
-          {"memberOrGroup", 3, kNs + "IngressMirrorLagGroupMemberOrGroupOrNone", false, true}}));
+          {"deviceId", 130, kConstructorArg, kU8, ""},
+          {"devPipeId", 131, kConstructorArg, kU16, ""},
+          {"sdkHandles", 132, kPlain, kNs + "IngressMirrorLagGroupTableHandles", ""},
+          {"pdLib", 133, kPlain, "BfPdIngressMirrorLagGroup::BfPdIngressMirrorLagGroupIntf", ""}}));
+  EXPECT_EQ(Vel::typeNode(kNs + "IngressMirrorLagGroupTableHelper")->base(), nullptr);
+}
+
+TEST(AttributeTableTest, ActionProfile) {
+  EXPECT_EQ(tableOf(kNs + "IngressMirrorLagGroupActionProfile"),
+            (std::vector<Attribute>{
+                {"group", 258, kCollection | kReadWrite | kNotifying,
+                 kNs + "IngressMirrorLagGroupGroup", "BfnTable::BfnGroupId"},
+                {"entry", 259, kCollection | kReadWrite | kNotifying,
+                 kNs + "IngressMirrorLagGroupActionProfileEntry", "BfnTable::BfnMemberId"}}));
+}
+
+TEST(AttributeTableTest, Group) {
   EXPECT_EQ(
-      attributesOf(kNs + "IngressMirrorLagGroupMemberOrGroupOrNone"),
-      (std::vector<Attribute>{{"id", 2, kU32, false, false}, {"member", 3, kBool, false, false}}));
-  EXPECT_EQ(attributesOf(kNs + "IngressMirrorLagGroupMatchSpec"),
-            (std::vector<Attribute>{{"ingMirrorMdMirrorSession", 130, kU16, false, true}}));
+      tableOf(kNs + "IngressMirrorLagGroupGroup"),
+      (std::vector<Attribute>{{"groupId", 258, kConstructorArg, "BfnTable::BfnGroupId", ""},
+                              {"groupSize", 259, kConstructorArg, kU32, ""},
+                              {"initialMemberId", 260, kConstructorArg, kU32, ""},
+                              {"actionType", 261, kConstructorArg, kActionType, ""},
+                              {"maxGroupSize", 262, kPlain, kU16, ""},
+                              {"member", 263, kCollection | kReadWrite | kNotifying,
+                               kNs + "IngressMirrorLagGroupMember", "BfnTable::BfnMemberId"}}));
 }
 
-TEST(AttributeTableTest, TheStateMachineSkipsNumber136) {
-  EXPECT_EQ(attributesOf(kNs + "IngressMirrorLagGroupActionProfileSm"),
-            (std::vector<Attribute>{
-                {"ingressMirrorLagGroupActionProfile", 130,
-                 kNs + "IngressMirrorLagGroupActionProfile", false, false},
-                {"helper", 131, kNs + "IngressMirrorLagGroupTableHelper", false, false},
-                {"vaultKeyManager", 132, "MbbVaultKey::VaultKeyManager", false, false},
-                {"statusManager", 133, "BfnTableStatusManager::StatusManager", false, false},
-                {"sessionHandle", 134, kU32, false, true},
-                {"actionProfile", 135, kNs + "IngressMirrorLagGroupActionProfileEntry", true, true},
-                {"group", 137, kNs + "IngressMirrorLagGroupGroup", true, true}}));
-}
-
-TEST(AttributeTableTest, TheEntitiesListTheirOwnAfterTheFrameworksFive) {
-  EXPECT_EQ(attributesOf(kNs + "IngressMirrorLagGroupActionProfileEntry"),
-            (std::vector<Attribute>{
-                {"memberId", 258, "BfnTable::BfnMemberId", false, false},
-                {"action", 260, kNs + "IngressMirrorLagGroupBaseActionProfileSpec", false, true}}));
-  EXPECT_EQ(attributesOf(kNs + "IngressMirrorLagGroupMember"),
-            (std::vector<Attribute>{{"memberId", 258, "BfnTable::BfnMemberId", false, false},
-                                    {"active", 259, kBool, false, true}}));
-  EXPECT_EQ(attributesOf(kNs + "IngressMirrorLagGroupGroup"),
-            (std::vector<Attribute>{
-                {"groupId", 258, "BfnTable::BfnGroupId", false, false},
-                {"groupSize", 259, kU32, false, false},
-                {"initialMemberId", 260, kU32, false, false},
-                {"actionType", 261, kNs + "IngressMirrorLagGroupActionProfileType", false, false},
-                {"maxGroupSize", 262, kU16, false, false},
-                {"member", 263, kNs + "IngressMirrorLagGroupMember", true, true}}));
-  EXPECT_EQ(attributesOf(kNs + "IngressMirrorLagGroupActionProfile"),
-            (std::vector<Attribute>{
-                {"group", 258, kNs + "IngressMirrorLagGroupGroup", true, true},
-                {"entry", 259, kNs + "IngressMirrorLagGroupActionProfileEntry", true, true}}));
-  EXPECT_EQ(attributesOf(kNs + "IngressMirrorLagGroupTableHandles"),
-            (std::vector<Attribute>{{"entry", 258, kU32, true, true},
-                                    {"group", 259, kU32, true, true},
-                                    {"member", 260, kU32, true, true}}));
-  for (const char* entity :
-       {"IngressMirrorLagGroupActionProfileEntry", "IngressMirrorLagGroupMember",
-        "IngressMirrorLagGroupGroup", "IngressMirrorLagGroupActionProfile",
-        "IngressMirrorLagGroupTableHandles", "IngressMirrorLagGroupTable"}) {
-    const Vel::TypeRecord* type = Vel::typeNode(kNs + entity);
-    ASSERT_NE(type, nullptr);
-    EXPECT_EQ(type->base(), &Vel::entityType()) << entity;
-    // name, fullName, parent, parentAttrName and entity come from the base.
-    for (unsigned number : {130u, 138u, 139u, 141u, 143u})
-      EXPECT_NE(type->attribute(number), nullptr) << entity << " " << number;
+TEST(AttributeTableTest, EntitiesHaveTheFrameworksEntityBase) {
+  const Vel::TypeRecord& entity = Vel::entityType();
+  for (const std::string& name : kEntities) {
+    const Vel::TypeRecord& type = Vel::GenericIf::typeNamed(kNs + name);
+    EXPECT_EQ(type.base(), &entity) << name;
+    // The five attributes of every entity come from the base alone.
+    for (unsigned number : {130u, 138u, 139u, 141u, 143u}) {
+      const AttributeRecord* attribute = type.attribute(number);
+      ASSERT_NE(attribute, nullptr) << name << " " << number;
+      EXPECT_EQ(&attribute->owner(), &entity) << name << " " << number;
+    }
+    for (const char* inherited : {"name", "fullName", "parent", "parentAttrName", "entity"}) {
+      const AttributeRecord* attribute = type.attribute(inherited);
+      ASSERT_NE(attribute, nullptr) << name << " " << inherited;
+      EXPECT_EQ(&attribute->owner(), &entity) << name << " " << inherited;
+    }
   }
 }
 
-TEST(AttributeTableTest, TheHelper) {
-  EXPECT_EQ(attributesOf(kNs + "IngressMirrorLagGroupTableHelper"),
-            (std::vector<Attribute>{
-                {"deviceId", 130, kU8, false, false},
-                {"devPipeId", 131, kU16, false, false},
-                {"sdkHandles", 132, kNs + "IngressMirrorLagGroupTableHandles", false, false},
-                {"pdLib", 133, "BfPdIngressMirrorLagGroup::BfPdIngressMirrorLagGroupIntf", false,
-                 false}}));
-}
-
-TEST(AttributeTableTest, TheActionTypeHasOneEnumerator) {
-  const auto& type = ingressMirrorLagGroupActionProfileTypeRecord();
-  EXPECT_EQ(type.kind(), Vel::TypeRecord::Kind::enumeration);
-  ASSERT_EQ(type.enumerators().size(), 1u);
-  EXPECT_EQ(type.enumerators()[0].name, "setLagMemberSelectorActionProfileSpec");
-  EXPECT_EQ(type.enumerators()[0].value, 0u);
+TEST(AttributeTableTest, GenericAccessFindsNameAndFullNameThroughTheBase) {
+  const auto profile = Vel::allocate<IngressMirrorLagGroupActionProfile>("ingressMirrorLagGroup");
+  const auto group =
+      profile->groupIs(BfnTable::BfnGroupId(10), 4, 1, setLagMemberSelectorActionProfileSpec);
+  const auto member = group->memberIs(BfnTable::BfnMemberId(1));
+  Vel::GenericIf profileIf(profile);
+  EXPECT_EQ(&profileIf.attributeRecord("name").owner(), &Vel::entityType());
+  EXPECT_EQ(profileIf.attribute("name", Vel::GenericIf::opRead).get<Vel::Name>(),
+            "ingressMirrorLagGroup");
+  Vel::GenericIf memberIf(member);
+  EXPECT_EQ(memberIf.attribute("name", Vel::GenericIf::opRead).get<Vel::Name>(), member->name());
+  EXPECT_EQ(memberIf.attribute("fullName", Vel::GenericIf::opRead).get<Vel::Name>(),
+            member->fullName());
+  EXPECT_EQ(memberIf.attribute("parent", Vel::GenericIf::opRead).get<Vel::Ptr<const Vel::Entity>>(),
+            group);
+  EXPECT_EQ(
+      Vel::GenericIf(group).attribute("parentAttrName", Vel::GenericIf::opRead).get<Vel::String>(),
+      "group");
+  EXPECT_EQ(memberIf.attribute("entity", Vel::GenericIf::opRead).get<Vel::Ptr<const Vel::Entity>>(),
+            member);
 }
 
 }  // namespace
