@@ -41,8 +41,9 @@ std::vector<int> occurrences() {
   const std::vector<const Vel::TypeRecord*> all = Vel::typeNodes();
   std::vector<int> counts;
   for (const auto& [name, kind] : kTypes) {
-    counts.push_back(static_cast<int>(std::count_if(
-        all.begin(), all.end(), [&](const Vel::TypeRecord* t) { return t->name() == name; })));
+    counts.push_back(static_cast<int>(
+        std::count_if(all.begin(), all.end(),
+                      [&name = name](const Vel::TypeRecord* t) { return t->name() == name; })));
   }
   return counts;
 }
@@ -53,8 +54,8 @@ bool inLoadOrder() {
   const std::vector<const Vel::TypeRecord*> all = Vel::typeNodes();
   auto from = all.begin();
   for (const auto& [name, kind] : kTypes) {
-    from =
-        std::find_if(from, all.end(), [&](const Vel::TypeRecord* t) { return t->name() == name; });
+    from = std::find_if(from, all.end(),
+                        [&name = name](const Vel::TypeRecord* t) { return t->name() == name; });
     if (from == all.end())
       return false;
     ++from;
