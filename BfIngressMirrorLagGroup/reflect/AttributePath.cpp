@@ -105,6 +105,16 @@ Vel::GenericIf holderOf(std::string_view path, const Vel::Ptr<const Vel::PtrInte
   return current;
 }
 
+// An object that is not an entity (an action spec, the helper) is shared by
+// whoever holds it and has no notifiees: changing it in place would change
+// what its holder reads without the holder hearing of it, so the chip would
+// no longer match. Such objects are replaced whole through their holder.
+[[noreturn]] void refuseInPlaceChange(std::string_view path, const std::vector<Step>& steps) {
+  const Step& held = steps[steps.size() - 2];
+  fail(path, "'" + Vel::String(steps.back().name) + "' cannot be set in place: '" +
+                 Vel::String(held.name) + "' is shared by its holder, which would not hear of it");
+}
+
 }  // namespace
 
 Vel::String AttributePath::get(const Vel::Ptr<const Vel::PtrInterface>& root,
@@ -121,6 +131,8 @@ void AttributePath::set(const Vel::Ptr<Vel::PtrInterface>& root, std::string_vie
   const Located located = locate(path, holder, steps.back());
   if (located.attribute->isCollection() || !located.attribute->isReadWrite())
     fail(path, "'" + Vel::String(steps.back().name) + "' cannot be set");
+  if (steps.size() > 1 && holder.type().kind() == Vel::TypeRecord::Kind::object)
+    refuseInPlaceChange(path, steps);
   holder.attribute(*located.attribute, Vel::GenericIf::opWrite,
                    {valueOf(path, located.attribute->type(), text)});
 }

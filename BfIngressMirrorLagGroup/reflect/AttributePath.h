@@ -15,7 +15,9 @@ namespace BfIngressMirrorLagGroup {
 // go in and out as their text form (a number, True or False, a value's text).
 // Every step uses the framework's reflection (Vel::GenericIf) on the run-time
 // type of the object reached, so writes go through the same mutators as code
-// does, with their notifications.
+// does, with their notifications. An attribute of a shared object that is not
+// an entity (an entry's action, for example) is refused: its holder would not
+// hear of the change.
 //
 // Errors are Vel::RangeException with a message naming the path: an unknown
 // attribute name, a key or value whose text does not parse, an element that

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "BfIngressMirrorLagGroup/model/SetLagMemberSelectorActionProfileSpec.h"
 #include "ReflectFixture.h"
 #include "Vel/Allocate.h"
 #include "Vel/ParseException.h"
@@ -13,6 +14,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::StartsWith;
 
 // The message of the refusal that `run` raises: a RangeException, or a
@@ -92,11 +94,14 @@ TEST_F(AttributePathTest, SettingActiveGoesThroughActiveIsAndIsProgrammed) {
   EXPECT_THAT(logLines(), ElementsAre(memberStateLine(groupHandle(10), memberHandle(5), 1)));
 }
 
-TEST_F(AttributePathTest, SetsAnAttributeOfACollectionElementsObject) {
-  AttributePath::set(profile, "entry[5]/action/lagMemberSelector", "7");
-  EXPECT_EQ(profile->entry(BfnTable::BfnMemberId(5))->action()->lagMemberSelector(), 7u);
-  EXPECT_EQ(get(profile, "entry[5]/action/lagMemberSelector"), "7");
-  EXPECT_EQ(get(profile, "entry[6]/action/lagMemberSelector"), "600");
+TEST_F(AttributePathTest, AttributesOfASharedObjectCannotBeSetInPlace) {
+  startLog();
+  EXPECT_EQ(refusal([&] { AttributePath::set(profile, "entry[5]/action/lagMemberSelector", "7"); }),
+            "Attribute path 'entry[5]/action/lagMemberSelector': 'lagMemberSelector' cannot be "
+            "set in place: 'action' is shared by its holder, which would not hear of it");
+  EXPECT_EQ(profile->entry(BfnTable::BfnMemberId(5))->action()->lagMemberSelector(), 500u);
+  EXPECT_EQ(get(profile, "entry[5]/action/lagMemberSelector"), "500");
+  EXPECT_THAT(logLines(), IsEmpty());
 }
 
 TEST_F(AttributePathTest, UnknownNamesAreRefusedByName) {
@@ -176,11 +181,19 @@ TEST_F(AttributePathTest, ValuesThatDoNotParseAreRefusedAndChangeNothing) {
   EXPECT_TRUE(profile->group(BfnTable::BfnGroupId(10))->member(BfnTable::BfnMemberId(5))->active());
 }
 
+TEST_F(AttributePathTest, SetsAnAttributeOfAnObjectThatIsTheRoot) {
+  const auto spec = Vel::allocate<SetLagMemberSelectorActionProfileSpec>();
+  AttributePath::set(spec, "lagMemberSelector", "7");
+  EXPECT_EQ(spec->lagMemberSelector(), 7u);
+  EXPECT_EQ(get(spec, "lagMemberSelector"), "7");
+}
+
 TEST_F(AttributePathTest, NumbersOutOfTheAttributesRangeAreRefused) {
-  EXPECT_THAT(
-      refusal([&] { AttributePath::set(profile, "entry[5]/action/lagMemberSelector", "65536"); }),
-      StartsWith("Attribute path 'entry[5]/action/lagMemberSelector': '65536' is not a "
-                 "value of uint16_t"));
+  const auto spec = Vel::allocate<SetLagMemberSelectorActionProfileSpec>();
+  spec->lagMemberSelectorIs(500);
+  EXPECT_THAT(refusal([&] { AttributePath::set(spec, "lagMemberSelector", "65536"); }),
+              StartsWith("Attribute path 'lagMemberSelector': '65536' is not a value of uint16_t"));
+  EXPECT_EQ(spec->lagMemberSelector(), 500u);
   EXPECT_THAT(
       refusal([&] { AttributePath::set(sm, "sessionHandle", "4294967296"); }),
       StartsWith("Attribute path 'sessionHandle': '4294967296' is not a value of uint32_t"));
