@@ -29,7 +29,10 @@ Vel::GenericReply attribute(Vel::GenericCall& call) {
 }
 
 Vel::GenericValue fromArgs(const Vel::TypeRecord& type, const Vel::GenericArgs& args) {
-  return Vel::GenericValue(type, Value(args.get<std::uint32_t>(0), args.get<bool>(1)));
+  // Read in order, so that a wrong list is reported by its first bad argument.
+  const auto id = args.get<std::uint32_t>(0);
+  const auto member = args.get<bool>(1);
+  return Vel::GenericValue(type, Value(id, member));
 }
 
 }  // namespace
