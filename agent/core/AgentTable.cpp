@@ -33,6 +33,24 @@ std::vector<std::uint16_t> AgentTable::sessions() const {
   return result;
 }
 
+std::uint32_t AgentTable::entryHandle(std::uint16_t session) const {
+  const auto found = matches_.find(session);
+  return found == matches_.end() ? 0 : table_->helper()->sdkHandles()->entry(found->second);
+}
+
+std::uint32_t AgentTable::defaultHandle() const {
+  const MatchSpec& match = table_->defaultMatchSpec();
+  return match ? table_->helper()->sdkHandles()->entry(match) : 0;
+}
+
+std::uint32_t AgentTable::memberHandle(std::uint32_t id) const {
+  return table_->helper()->sdkHandles()->member(BfnTable::BfnMemberId(id));
+}
+
+std::uint32_t AgentTable::groupHandle(std::uint32_t id) const {
+  return table_->helper()->sdkHandles()->group(BfnTable::BfnGroupId(id));
+}
+
 void AgentTable::memberIs(std::uint32_t id, std::uint16_t selector) {
   auto action = Vel::allocate<SetLagMemberSelectorActionProfileSpec>();
   action->lagMemberSelectorIs(selector);

@@ -33,6 +33,12 @@ class AgentTable {
 
   // The mirror sessions whose entries the agent holds (programmed or adopted).
   std::vector<std::uint16_t> sessions() const;
+  // The chip's handle of the session's entry, of the default entry, of a
+  // member or of a group; 0 when the plug-in holds none.
+  std::uint32_t entryHandle(std::uint16_t session) const;
+  std::uint32_t defaultHandle() const;
+  std::uint32_t memberHandle(std::uint32_t id) const;
+  std::uint32_t groupHandle(std::uint32_t id) const;
 
   void memberIs(std::uint32_t id, std::uint16_t selector);
   void memberDel(std::uint32_t id);

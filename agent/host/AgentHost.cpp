@@ -3,15 +3,22 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
 #include "Vel/Allocate.h"
 #include "Vel/Exception.h"
+#include "Vel/TraceHandle.h"
 #include "config/ConfigError.h"
 #include "core/ApplyError.h"
+#include "host/AgentCheck.h"
+#include "host/AgentReport.h"
+#include "host/ChipProbe.h"
+#include "protocol/ControlCommands.h"
 
 namespace mirrorlag_agent {
 
@@ -57,7 +64,11 @@ std::uint32_t numberOf(const std::string& word, const char* what) {
       return static_cast<std::uint32_t>(value);
   } catch (const std::exception&) {
   }
-  throw ConfigError("", std::string(what) + " '" + word + "' is not a number");
+  throw std::invalid_argument(std::string(what) + " '" + word + "' is not a number");
+}
+
+std::string usage(std::string_view command) {
+  return "usage: " + std::string(usageOf(command));
 }
 
 // Removes from a JSON array the items whose `key` is `value`.
@@ -74,7 +85,7 @@ void eraseWhere(nlohmann::json& items, const char* key, std::uint32_t value) {
 void editMember(nlohmann::json& document, const std::vector<std::string>& words) {
   const bool select = words.size() == 4 && words[2] == "selector";
   if (!select && !(words.size() == 3 && words[2] == "del"))
-    throw std::invalid_argument("usage: member ID selector N | member ID del");
+    throw std::invalid_argument(usage("member"));
   const std::uint32_t id = numberOf(words[1], "member");
   eraseWhere(document["members"], "id", id);
   if (select)
@@ -85,7 +96,7 @@ void editMember(nlohmann::json& document, const std::vector<std::string>& words)
 void editEntry(nlohmann::json& document, const std::vector<std::string>& words) {
   const bool point = words.size() == 4 && (words[2] == "member" || words[2] == "group");
   if (!point && !(words.size() == 3 && words[2] == "del"))
-    throw std::invalid_argument("usage: entry SESSION member|group ID | entry SESSION del");
+    throw std::invalid_argument(usage("entry"));
   const std::uint32_t session = numberOf(words[1], "session");
   eraseWhere(document["entries"], "session", session);
   if (point) {
@@ -97,7 +108,7 @@ void editEntry(nlohmann::json& document, const std::vector<std::string>& words) 
 // group ID member M add|del|active|inactive
 void editGroupMember(nlohmann::json& document, const std::vector<std::string>& words) {
   if (words.size() != 5 || words[2] != "member")
-    throw std::invalid_argument("usage: group ID member M add|del|active|inactive");
+    throw std::invalid_argument(usage("group"));
   const std::uint32_t id = numberOf(words[1], "group");
   const std::uint32_t memberId = numberOf(words[3], "member");
   const std::string& action = words[4];
@@ -115,33 +126,55 @@ void editGroupMember(nlohmann::json& document, const std::vector<std::string>& w
           member["active"] = action == "active";
       }
     } else {
-      throw std::invalid_argument("a group member is add, del, active or inactive");
+      throw std::invalid_argument(usage("group"));
     }
     return;
   }
-  throw std::invalid_argument("group " + words[1] + " is not configured");
+  throw ConfigError("/groups", "group " + words[1] + " is not configured");
 }
 
 AgentHost::Answer refused(const std::string& why) {
   return {1, why + "\n"};
 }
 
+AgentHost::Answer badCommand(const std::string& why) {
+  return {AgentHost::badCommandStatus, why + "\n"};
+}
+
+bool isShowSubject(std::string_view word) {
+  return std::find(std::begin(kShowSubjects), std::end(kShowSubjects), word) !=
+         std::end(kShowSubjects);
+}
+
 }  // namespace
 
 AgentHost::AgentHost(const AgentOptions& options) : options_(options), state_(options.state) {
+  // What to apply is read, and checked whole, before the chip is touched.
+  const AgentConfig start = startConfig();
+  attachChip();
+  settleShadowTables();
+  makeTableAndProfile();
+  applyAtStart(start);
+}
+
+void AgentHost::attachChip() {
   pdLib_ = load(options_.pdLib);
   if (auto attach = reinterpret_cast<int (*)(const char*)>(dlsym(pdLib_, "chipsim_attach"))) {
     if (attach(options_.chip.c_str()) != 0)
       throw std::runtime_error("cannot attach chip '" + options_.chip + "'");
   }
+}
+
+void AgentHost::settleShadowTables() {
   keys_ = Vel::allocate<MbbVaultKey::VaultKeyManager>(options_.shadow);
-  {
-    const auto pd = Vel::allocate<BfPdIngressMirrorLagGroup::BfPdIngressMirrorLagGroupIntf>(
-        options_.pdLib, pdLib_, options_.session);
-    const auto settled =
-        BfPdIngressMirrorLagGroup::ShadowReconciler(*keys_, *pd, options_.device).reconcile();
-    startLog_.push_back("settled " + std::to_string(settled.total()) + " unfinished records");
-  }
+  const auto pd = Vel::allocate<BfPdIngressMirrorLagGroup::BfPdIngressMirrorLagGroupIntf>(
+      options_.pdLib, pdLib_, options_.session);
+  const auto settled =
+      BfPdIngressMirrorLagGroup::ShadowReconciler(*keys_, *pd, options_.device).reconcile();
+  log("settled " + std::to_string(settled.total()) + " unfinished records");
+}
+
+void AgentHost::makeTableAndProfile() {
   plugin_ = load(pluginLibrary);
   const auto tableFactory = symbol<decltype(&ingressMirrorLagGroupTableFactory)>(
       plugin_, "ingressMirrorLagGroupTableFactory", pluginLibrary);
@@ -154,27 +187,38 @@ AgentHost::AgentHost(const AgentOptions& options) : options_(options), state_(op
   AttributePath::set(sm_, "sessionHandle", std::to_string(options_.session));
   agentTable_ = std::make_unique<AgentTable>(table_, profile_);
   applier_ = std::make_unique<ConfigApplier>(*agentTable_);
-  startLog_.push_back(
-      "adopted " + std::to_string(table_->helper()->sdkHandles()->entries().size()) + " entries, " +
-      std::to_string(table_->helper()->sdkHandles()->members().size()) + " members");
+  const IngressMirrorLagGroupTableHandles& held = *table_->helper()->sdkHandles();
+  log("adopted " + std::to_string(held.entries().size()) + " entries, " +
+      std::to_string(held.members().size()) + " members");
+}
 
-  std::optional<AgentConfig> start = options_.discardState ? std::nullopt : state_.read();
-  if (!start && !options_.config.empty()) {
-    std::ifstream in(options_.config);
-    if (!in)
-      throw std::runtime_error("cannot read " + options_.config);
-    std::stringstream text;
-    text << in.rdbuf();
-    start = AgentConfig::fromText(text.str());
-  }
+void AgentHost::applyAtStart(const AgentConfig& start) {
   const std::vector<std::uint32_t> oldGroups = recordedGroups();
-  const Answer answer = apply(start.value_or(AgentConfig()));
+  const Answer answer = apply(start);
   if (answer.status != 0)
     throw std::runtime_error(answer.output);
-  startLog_.push_back("applied " + std::to_string(applier_->changes().size()) + " changes, " +
-                      std::to_string(running_.groups.size()) + " groups created anew");
-  startLog_.push_back("removed " + std::to_string(removeLeftovers(oldGroups)) +
-                      " objects left behind");
+  log("applied " + std::to_string(applier_->changes().size()) + " changes, " +
+      std::to_string(running_.groups.size()) + " groups created anew");
+  log("removed " + std::to_string(removeLeftovers(oldGroups)) + " objects left behind");
+}
+
+AgentConfig AgentHost::startConfig() const {
+  if (!options_.discardState) {
+    if (std::optional<AgentConfig> kept = state_.read())
+      return *kept;
+  }
+  if (options_.config.empty())
+    return AgentConfig();
+  std::ifstream in(options_.config);
+  if (!in)
+    throw std::runtime_error("cannot read " + options_.config);
+  std::stringstream text;
+  text << in.rdbuf();
+  try {
+    return AgentConfig::fromText(text.str());
+  } catch (const ConfigError& e) {
+    throw ConfigError(e.path(), options_.config + ": " + e.what());
+  }
 }
 
 std::vector<std::uint32_t> AgentHost::recordedGroups() const {
@@ -228,20 +272,26 @@ AgentHost::~AgentHost() = default;
 
 AgentHost::Answer AgentHost::run(const std::vector<std::string>& words, const std::string& body) {
   if (words.empty())
-    return refused("no command");
+    return badCommand("no command");
   try {
     const std::string& command = words[0];
     if (command == "apply")
       return apply(AgentConfig::fromText(body));
-    if (command == "show" && words.size() >= 2 && words[1] == "config")
-      return {0, running_.toJson().dump(2) + "\n"};
+    if (command == "show")
+      return show(words);
     if (command == "member" || command == "group" || command == "entry")
       return edit(words);
     if (command == "get" || command == "set")
       return attribute(words);
-    if (command == "check")
+    if (command == "trace")
+      return trace(words);
+    if (command == "check" && words.size() == 1)
       return check();
-    return refused("unknown command '" + command + "'");
+    if (command == "check")
+      return badCommand(usage("check"));
+    return badCommand("unknown command '" + command + "'");
+  } catch (const std::invalid_argument& e) {
+    return badCommand(e.what());
   } catch (const ConfigError& e) {
     return refused(std::string("refused: ") + e.what());
   } catch (const Vel::Exception& e) {
@@ -255,13 +305,17 @@ AgentHost::Answer AgentHost::apply(const AgentConfig& wanted) {
   try {
     applier_->apply(running_, wanted);
   } catch (const ApplyError& e) {
-    return refused(std::string("failed, nothing changed: ") + e.what());
+    const std::string failure = std::string("failed, nothing changed: ") + e.what();
+    log(failure);
+    return refused(failure);
   }
   running_ = wanted;
   state_.write(running_);
   std::string output;
-  for (const std::string& change : applier_->changes())
+  for (const std::string& change : applier_->changes()) {
+    log(change + ": done");
     output += change + "\n";
+  }
   for (const std::string& note : running_.notes())
     output += "note: " + note + "\n";
   return {0, output};
@@ -281,6 +335,33 @@ AgentHost::Answer AgentHost::edit(const std::vector<std::string>& words) {
   return apply(AgentConfig::fromJson(document));
 }
 
+void AgentHost::log(const std::string& line) const {
+  if (options_.log == nullptr)
+    return;
+  std::fprintf(options_.log, "mirrorlag-agent: %s\n", line.c_str());
+  std::fflush(options_.log);
+}
+
+// show SUBJECT [--json]
+AgentHost::Answer AgentHost::show(const std::vector<std::string>& words) const {
+  const bool json = words.size() == 3 && words[2] == kJsonOption;
+  if ((words.size() != 2 && !json) || !isShowSubject(words[1]))
+    return badCommand(usage("show"));
+  if (words[1] == "config")
+    return {0, running_.toJson().dump(2) + "\n"};
+  const ShowTable table = AgentReport(running_, *agentTable_, *keys_).of(words[1]);
+  return {0, json ? table.json().dump(2) + "\n" : table.text()};
+}
+
+// trace NAME=LEVEL
+AgentHost::Answer AgentHost::trace(const std::vector<std::string>& words) const {
+  if (words.size() != 2)
+    return badCommand(usage("trace"));
+  Vel::TraceHandle::levelsIs(words[1]);
+  log("trace " + words[1] + ": done");
+  return {0, ""};
+}
+
 Vel::Ptr<Vel::PtrInterface> AgentHost::root(const std::string& name) const {
   if (name == "sm")
     return sm_;
@@ -288,33 +369,45 @@ Vel::Ptr<Vel::PtrInterface> AgentHost::root(const std::string& name) const {
     return table_;
   if (name == "profile")
     return profile_;
-  throw ConfigError("", "a path starts with sm, table or profile, not '" + name + "'");
+  throw std::runtime_error("a path starts with sm, table or profile, not '" + name + "'");
 }
 
 AgentHost::Answer AgentHost::attribute(const std::vector<std::string>& words) {
   const bool set = words[0] == "set";
   if (words.size() != (set ? 3u : 2u))
-    return refused(set ? "usage: set PATH VALUE" : "usage: get PATH");
+    return badCommand(usage(words[0]));
   const std::string& path = words[1];
   const std::size_t slash = path.find('/');
   if (slash == std::string::npos)
     return refused("a path is ROOT/NAME[/NAME...], ROOT being sm, table or profile");
   const Vel::Ptr<Vel::PtrInterface> object = root(path.substr(0, slash));
   const std::string rest = path.substr(slash + 1);
-  if (!set)
-    return {0, AttributePath::get(object, rest) + "\n"};
-  AttributePath::set(object, rest, words[2]);
+  try {
+    if (!set)
+      return {0, AttributePath::get(object, rest) + "\n"};
+    AttributePath::set(object, rest, words[2]);
+  } catch (const Vel::Exception& e) {
+    // The message names the path from the root object; name it as it was given.
+    std::string message = e.message();
+    const std::string relative = "'" + rest + "'";
+    if (const std::size_t at = message.find(relative); at != std::string::npos)
+      message.replace(at, relative.size(), "'" + path + "'");
+    return refused(message);
+  }
+  log("set " + path + " " + words[2] + ": done");
   return {0, ""};
 }
 
 AgentHost::Answer AgentHost::check() const {
-  auto chipCheck = reinterpret_cast<const char* (*)()>(dlsym(pdLib_, "chipsim_check"));
-  if (chipCheck == nullptr)
-    return {0, "the chip offers no check\n"};
-  const char* fault = chipCheck();
-  if (fault != nullptr)
-    return refused(std::string("chip: ") + fault);
-  return {0, "chip coherent\n"};
+  const ChipProbe chip(pdLib_);
+  const AgentCheck checked(running_, *agentTable_, chip);
+  const std::vector<std::string> faults = checked.faults();
+  if (faults.empty())
+    return {0, checked.summary() + "\n"};
+  std::string output;
+  for (const std::string& fault : faults)
+    output += fault + "\n";
+  return {1, output};
 }
 
 }  // namespace mirrorlag_agent

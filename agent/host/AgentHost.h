@@ -27,7 +27,11 @@ namespace mirrorlag_agent {
 // file before the answer goes out.
 class AgentHost {
  public:
-  // The answer to one command: 0 done, 1 refused or failed; the output.
+  // The status of a command that is not one the agent knows, or misses words.
+  static constexpr int badCommandStatus = 2;
+
+  // The answer to one command: 0 done, 1 refused or failed, 2 a bad command;
+  // the output.
   struct Answer {
     int status = 0;
     std::string output;
@@ -38,21 +42,29 @@ class AgentHost {
   AgentHost(const AgentHost&) = delete;
   AgentHost& operator=(const AgentHost&) = delete;
 
-  // Commands:
+  // Commands (see protocol/ControlCommands.h):
   //   apply                          (the configuration in `body`)
-  //   show config
+  //   show entries|members|groups|handles|shadow|config [--json]
   //   member ID selector N | member ID del
   //   group ID member M add|del|active|inactive
   //   entry SESSION member|group ID | entry SESSION del
   //   get PATH | set PATH VALUE      (PATH from sm, table or profile, e.g. sm/sessionHandle)
+  //   trace NAME=LEVEL
   //   check
+  // Each change made is logged, one line each with its outcome.
   Answer run(const std::vector<std::string>& words, const std::string& body);
 
   const AgentConfig& running() const noexcept { return running_; }
-  // What start-up did, one line each.
-  const std::vector<std::string>& startLog() const noexcept { return startLog_; }
 
  private:
+  // The kept state, or (none kept, or --discard-state) the start-up
+  // configuration; none of either is the empty configuration.
+  AgentConfig startConfig() const;
+  // The steps of start-up, in their order.
+  void attachChip();
+  void settleShadowTables();
+  void makeTableAndProfile();
+  void applyAtStart(const AgentConfig& start);
   Answer apply(const AgentConfig& wanted);
   // After a restart's apply: deletes from the chip what the instances before
   // left and the configuration does not name (entries, the groups that were
@@ -62,7 +74,10 @@ class AgentHost {
   std::vector<std::uint32_t> recordedGroups() const;
   Answer edit(const std::vector<std::string>& words);
   Answer attribute(const std::vector<std::string>& words);
+  Answer show(const std::vector<std::string>& words) const;
+  Answer trace(const std::vector<std::string>& words) const;
   Answer check() const;
+  void log(const std::string& line) const;
   Vel::Ptr<Vel::PtrInterface> root(const std::string& name) const;
 
   AgentOptions options_;
@@ -76,7 +91,6 @@ class AgentHost {
   std::unique_ptr<ConfigApplier> applier_;
   StateFile state_;
   AgentConfig running_;
-  std::vector<std::string> startLog_;
 };
 
 }  // namespace mirrorlag_agent

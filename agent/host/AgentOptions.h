@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,8 @@ struct AgentOptions {
   std::uint16_t pipe = 0xFFFF;
   std::uint32_t session = 1;
   std::vector<std::string> traces;
+  // Where the agent logs its changes; none when null.
+  std::FILE* log = stdout;
 
   // Parses the command line; prints help or version and exits for --help and
   // --version, prints the fault and exits with status 2 for a bad one.
