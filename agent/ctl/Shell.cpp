@@ -3,31 +3,46 @@
 #include <readline/history.h>
 #include <readline/readline.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <sstream>
 
 #include <nlohmann/json.hpp>
+
+#include "protocol/ControlCommands.h"
 
 namespace mirrorlag_agent {
 
 namespace {
 
-constexpr const char* helpText =
-    R"(commands:
-  apply FILE                              apply a configuration file
-  show config                             the running configuration, as JSON
-  member ID selector N | member ID del
-  group ID member M add|del|active|inactive
-  entry SESSION member|group ID | entry SESSION del
-  get PATH | set PATH VALUE               an attribute by name (sm/..., table/..., profile/...)
-  check                                   the chip's coherence
-  help | quit
-)";
+// The shell's own commands, besides the agent's.
+constexpr ControlCommand kShellCommands[] = {{"help", "help", "this list"},
+                                             {"quit", "quit", "leave the shell"}};
 
-const std::vector<std::string> commands = {"apply", "show", "member", "group", "entry",
-                                           "get",   "set",  "check",  "help",  "quit"};
+// The column where the help of a command starts; a longer usage puts it on
+// the next line.
+constexpr std::size_t kHelpColumn = 44;
+
+std::string helpLine(const ControlCommand& command) {
+  std::string line = "  " + std::string(command.usage);
+  if (line.size() >= kHelpColumn)
+    line += "\n";
+  line.resize(line.back() == '\n' ? line.size() + kHelpColumn : kHelpColumn, ' ');
+  return line + std::string(command.help) + "\n";
+}
+
+// The names of the commands, the agent's and the shell's.
+std::vector<std::string> commandNames() {
+  std::vector<std::string> names;
+  for (const ControlCommand& command : kControlCommands)
+    names.emplace_back(command.name);
+  for (const ControlCommand& command : kShellCommands)
+    names.emplace_back(command.name);
+  return names;
+}
 
 Shell* activeShell = nullptr;
 
@@ -66,14 +81,25 @@ char** complete(const char* text, int, int) {
 
 }  // namespace
 
+std::string Shell::helpText() {
+  std::string text = "commands:\n";
+  for (const ControlCommand& command : kControlCommands)
+    text += helpLine(command);
+  for (const ControlCommand& command : kShellCommands)
+    text += helpLine(command);
+  return text;
+}
+
 std::vector<std::string> Shell::completions(const std::vector<std::string>& words,
                                             const std::string& text) const {
   std::vector<std::string> candidates;
   const std::size_t index = words.size();
   if (index == 0) {
-    candidates = commands;
+    candidates = commandNames();
   } else if (words[0] == "show" && index == 1) {
-    candidates = {"config"};
+    candidates.assign(std::begin(kShowSubjects), std::end(kShowSubjects));
+  } else if (words[0] == "show" && index == 2) {
+    candidates = {std::string(kJsonOption)};
   } else if (words[0] == "member") {
     candidates = index == 1   ? memberIds_
                  : index == 2 ? std::vector<std::string>{"selector", "del"}
@@ -145,7 +171,7 @@ int Shell::run() {
     if (words[0] == "quit" || words[0] == "exit")
       break;
     if (words[0] == "help") {
-      std::fputs(helpText, stdout);
+      std::fputs(helpText().c_str(), stdout);
       continue;
     }
     const ControlClient::Answer answer = client_.run(words);

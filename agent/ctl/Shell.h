@@ -14,6 +14,8 @@ namespace mirrorlag_agent {
 // `help` lists the commands; `quit` or end of input ends the shell.
 class Shell {
  public:
+  // The commands with their usage and a line of help each.
+  static std::string helpText();
   explicit Shell(const ControlClient& client) : client_(client) {}
 
   // Runs until the end; 0, or the status of the last failed command.

@@ -30,6 +30,11 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: mirrorlagctl --socket PATH COMMAND [ARG...] | shell\n");
     return usageStatus;
   }
+  if (words.size() == 1 && (words[0] == "--help" || words[0] == "help")) {
+    std::printf("usage: mirrorlagctl --socket PATH COMMAND [ARG...] | shell\n%s",
+                mirrorlag_agent::Shell::helpText().c_str());
+    return 0;
+  }
   const mirrorlag_agent::ControlClient client(socketPath);
   if (words.size() == 1 && words[0] == "shell")
     return mirrorlag_agent::Shell(client).run();

@@ -104,7 +104,8 @@ TEST_F(AgentCommandTest, SetsATraceLevelByName) {
   const Outcome refused = ctl("trace BfIngressMirrorLagGroupTable=10");
   EXPECT_EQ(refused.status, 1);
   EXPECT_EQ(refused.output, "trace level 10 of \"BfIngressMirrorLagGroupTable\" is not in -1..9\n");
-  EXPECT_THAT(agentLog(), HasSubstr("mirrorlag-agent: trace BfIngressMirrorLagGroupTable=5: done\n"));
+  EXPECT_THAT(agentLog(),
+              HasSubstr("mirrorlag-agent: trace BfIngressMirrorLagGroupTable=5: done\n"));
 }
 
 TEST_F(AgentCommandTest, ChecksTheChipAndTheAgentsViewOfIt) {

@@ -19,6 +19,7 @@
 
 #include "AgentFixture.h"
 #include "config/AgentConfig.h"
+#include "protocol/ControlCommands.h"
 
 namespace mirrorlag_agent {
 namespace {
@@ -76,6 +77,13 @@ TEST_F(AgentProcessTest, AfterSigkillTheNextAgentKeepsItsChangesAndAddsNothingAg
   EXPECT_THAT(dump, testing::HasSubstr("groups: 1 of"));
   EXPECT_THAT(dump, testing::HasSubstr("members: 3 of"));
   EXPECT_THAT(dump, testing::HasSubstr("entries: 3 of"));
+}
+
+TEST_F(AgentProcessTest, TheClientsHelpListsEveryCommandWithItsUsage) {
+  const Outcome help = run(std::string(MIRRORLAGCTL) + " --help");
+  EXPECT_EQ(help.status, 0);
+  for (const ControlCommand& command : kControlCommands)
+    EXPECT_THAT(help.output, testing::HasSubstr("  " + std::string(command.usage)));
 }
 
 // Reads what the terminal shows until `wanted` appears (or a few seconds pass).

@@ -72,8 +72,7 @@ const std::vector<Refusal> kRefusals = {
      "refused: /groups: group 100: its size and first member cannot change while it exists; "
      "remove it first\n"},
     {"entry 5 group 555", kRefused, "refused: /entries/1/group: group 555 is not configured\n"},
-    {"entry 70000 member 1", kRefused,
-     "refused: /entries/2/session: 70000 is not in 0 to 65535\n"},
+    {"entry 70000 member 1", kRefused, "refused: /entries/2/session: 70000 is not in 0 to 65535\n"},
     {"entry 5 port 3", kBadCommand, "usage: entry SESSION member|group ID | entry SESSION del\n"},
     {"get sm/sessionHandel", kRefused,
      "Attribute path 'sm/sessionHandel': type "
