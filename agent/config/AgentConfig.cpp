@@ -1,5 +1,6 @@
 #include "config/AgentConfig.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <limits>
 #include <string_view>
@@ -111,6 +112,12 @@ void readGroups(const json& groups, const std::string& path, AgentConfig& config
     const json& members = arrayOf(required(groups[i], item, "members"), membersPath);
     if (members.empty())
       throw ConfigError(membersPath, "a group keeps at least one member");
+    const std::size_t room = std::min(group.size, AgentConfig::maxGroupSize);
+    if (members.size() > room) {
+      throw ConfigError(at(membersPath, room), "group " + std::to_string(id) + " of size " +
+                                                   std::to_string(group.size) + " holds at most " +
+                                                   std::to_string(room) + " members");
+    }
     for (std::size_t m = 0; m < members.size(); ++m) {
       const GroupMemberConfig member = groupMemberOf(members[m], at(membersPath, m), config);
       for (const GroupMemberConfig& earlier : group.members) {

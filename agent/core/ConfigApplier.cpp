@@ -110,21 +110,8 @@ void ConfigApplier::addPhase(const AgentConfig& running, const AgentConfig& want
       change(
           groupName(id) + " add", [&t, id = id, g = group] { t.groupIs(id, g); },
           [&t, id = id] { t.groupDel(id); });
-      continue;
-    }
-    for (const GroupMemberConfig& member : group.members) {
-      const GroupMemberConfig* before = memberOf(old->second, member.id);
-      const std::string name = groupName(id) + " " + memberName(member.id);
-      if (before == nullptr) {
-        change(
-            name + " add", [&t, id = id, member] { t.groupMemberIs(id, member.id, member.active); },
-            [&t, id = id, member] { t.groupMemberDel(id, member.id); });
-      } else if (before->active != member.active) {
-        change(
-            name + (member.active ? " active" : " inactive"),
-            [&t, id = id, member] { t.groupMemberIs(id, member.id, member.active); },
-            [&t, id = id, member] { t.groupMemberIs(id, member.id, !member.active); });
-      }
+    } else {
+      changeGroupMembers(id, old->second, group);
     }
   }
   for (const auto& [session, target] : wanted.entries) {
@@ -155,6 +142,34 @@ void ConfigApplier::addPhase(const AgentConfig& running, const AgentConfig& want
   }
 }
 
+void ConfigApplier::changeGroupMembers(std::uint32_t id, const GroupConfig& running,
+                                       const GroupConfig& wanted) {
+  AgentTable& t = table_;
+  // Members leave before others join, so that a full group can change members.
+  for (const GroupMemberConfig& member : running.members) {
+    if (memberOf(wanted, member.id) == nullptr) {
+      change(
+          groupName(id) + " " + memberName(member.id) + " del",
+          [&t, id, member] { t.groupMemberDel(id, member.id); },
+          [&t, id, member] { t.groupMemberIs(id, member.id, member.active); });
+    }
+  }
+  for (const GroupMemberConfig& member : wanted.members) {
+    const GroupMemberConfig* before = memberOf(running, member.id);
+    const std::string name = groupName(id) + " " + memberName(member.id);
+    if (before == nullptr) {
+      change(
+          name + " add", [&t, id, member] { t.groupMemberIs(id, member.id, member.active); },
+          [&t, id, member] { t.groupMemberDel(id, member.id); });
+    } else if (before->active != member.active) {
+      change(
+          name + (member.active ? " active" : " inactive"),
+          [&t, id, member] { t.groupMemberIs(id, member.id, member.active); },
+          [&t, id, member] { t.groupMemberIs(id, member.id, !member.active); });
+    }
+  }
+}
+
 void ConfigApplier::removePhase(const AgentConfig& running, const AgentConfig& wanted) {
   AgentTable& t = table_;
   if (running.defaultTarget && !wanted.defaultTarget) {
@@ -167,19 +182,6 @@ void ConfigApplier::removePhase(const AgentConfig& running, const AgentConfig& w
       change(
           entryName(session) + " del", [&t, s = session] { t.entryDel(s); },
           [&t, s = session, target = target] { t.entryIs(s, target); });
-    }
-  }
-  for (const auto& [id, group] : running.groups) {
-    const auto kept = wanted.groups.find(id);
-    if (kept == wanted.groups.end())
-      continue;
-    for (const GroupMemberConfig& member : group.members) {
-      if (memberOf(kept->second, member.id) == nullptr) {
-        change(
-            groupName(id) + " " + memberName(member.id) + " del",
-            [&t, id = id, member] { t.groupMemberDel(id, member.id); },
-            [&t, id = id, member] { t.groupMemberIs(id, member.id, member.active); });
-      }
     }
   }
   for (const auto& [id, group] : running.groups) {

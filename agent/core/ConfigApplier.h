@@ -11,9 +11,10 @@ namespace mirrorlag_agent {
 
 // Applies a new configuration to the plug-in as the difference from the
 // running one, in dependency order: members added or changed, groups added
-// with their members, members joining, leaving or switching in existing
-// groups, entries added or changed, the default entry; then the removals in
-// reverse (default, entries, group members, groups, members). Nothing that is
+// with their members, members leaving, then joining or switching in existing
+// groups (leaving first, so that a full group can change members), entries
+// added or changed, the default entry; then the removals in reverse (default,
+// entries, groups, members). Nothing that is
 // the same in both is touched, so applying the running configuration again
 // makes no PD call.
 //
@@ -39,6 +40,9 @@ class ConfigApplier {
   void change(std::string what, const std::function<void()>& doIt, std::function<void()> undo);
   void addPhase(const AgentConfig& running, const AgentConfig& wanted);
   void removePhase(const AgentConfig& running, const AgentConfig& wanted);
+  // The members that leave a group that stays, then those that join it or
+  // change their flag.
+  void changeGroupMembers(std::uint32_t id, const GroupConfig& running, const GroupConfig& wanted);
   void rollBack(std::string& message) noexcept;
 
   AgentTable& table_;

@@ -87,8 +87,7 @@ void AgentCheck::forwardingFaults(std::vector<std::string>& faults) const {
   for (const auto& [session, target] : running_.entries) {
     const std::set<std::uint16_t> wanted = selectorsOf(target);
     bool byDefault = false;
-    const std::set<std::uint16_t> got =
-        forwarded(session, std::max<std::size_t>(wanted.size(), 1), byDefault);
+    const std::set<std::uint16_t> got = forwarded(session, choices(target), byDefault);
     if (got != wanted || (byDefault && !got.empty())) {
       faults.push_back("session " + std::to_string(session) + ": the chip forwards to " +
                        listed(got) + (byDefault ? " by the default entry" : "") +
@@ -98,11 +97,10 @@ void AgentCheck::forwardingFaults(std::vector<std::string>& faults) const {
   const std::optional<std::uint16_t> session = freeSession(running_);
   if (!session)
     return;
-  const std::set<std::uint16_t> wanted =
-      running_.defaultTarget ? selectorsOf(*running_.defaultTarget) : std::set<std::uint16_t>();
+  const std::optional<ConfigTarget>& target = running_.defaultTarget;
+  const std::set<std::uint16_t> wanted = target ? selectorsOf(*target) : std::set<std::uint16_t>();
   bool byDefault = false;
-  const std::set<std::uint16_t> got =
-      forwarded(*session, std::max<std::size_t>(wanted.size(), 1), byDefault);
+  const std::set<std::uint16_t> got = forwarded(*session, target ? choices(*target) : 1, byDefault);
   if (got != wanted) {
     faults.push_back("default entry: the chip forwards session " + std::to_string(*session) +
                      " to " + listed(got) + ", the configuration to " + listed(wanted));
@@ -118,6 +116,15 @@ std::set<std::uint16_t> AgentCheck::selectorsOf(const ConfigTarget& target) cons
       selectors.insert(running_.members.at(member.id));
   }
   return selectors;
+}
+
+std::size_t AgentCheck::choices(const ConfigTarget& target) const {
+  if (target.member)
+    return 1;
+  const std::vector<GroupMemberConfig>& members = running_.groups.at(target.id).members;
+  return std::max<std::size_t>(
+      1, std::count_if(members.begin(), members.end(),
+                       [](const GroupMemberConfig& member) { return member.active; }));
 }
 
 std::set<std::uint16_t> AgentCheck::forwarded(std::uint16_t session, std::size_t hashes,

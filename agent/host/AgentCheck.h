@@ -34,8 +34,11 @@ class AgentCheck {
   void forwardingFaults(std::vector<std::string>& faults) const;
   // The selectors that packets of `target` go to, by the configuration.
   std::set<std::uint16_t> selectorsOf(const ConfigTarget& target) const;
-  // The selectors the chip gives packets of `session`, over enough hashes to
-  // reach every member of a group; whether the default entry gave them.
+  // How many members packets of `target` are spread over (at least 1): the
+  // hashes 0 to choices - 1 reach each of them once.
+  std::size_t choices(const ConfigTarget& target) const;
+  // The selectors the chip gives packets of `session` with hashes 0 to
+  // `hashes` - 1; whether the default entry gave them.
   std::set<std::uint16_t> forwarded(std::uint16_t session, std::size_t hashes,
                                     bool& byDefault) const;
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 
@@ -232,6 +233,10 @@ std::vector<std::uint32_t> AgentHost::recordedGroups() const {
 }
 
 std::size_t AgentHost::removeLeftovers(const std::vector<std::uint32_t>& oldGroups) {
+  return removeStaleEntries() + removeOldGroups(oldGroups) + removeStaleMembers();
+}
+
+std::size_t AgentHost::removeStaleEntries() {
   std::size_t removed = 0;
   for (std::uint16_t session : agentTable_->sessions()) {
     if (running_.entries.count(session) == 0) {
@@ -239,29 +244,53 @@ std::size_t AgentHost::removeLeftovers(const std::vector<std::uint32_t>& oldGrou
       ++removed;
     }
   }
-  const IngressMirrorLagGroupTableHandles& handles = *table_->helper()->sdkHandles();
-  std::vector<std::uint32_t> current;
-  for (auto slot = handles.groups().begin(); slot; ++slot)
-    current.push_back(slot.value());
-  auto& pd = *table_->helper()->pdLib();
-  const std::uint32_t session = sm_->sessionHandle();
-  for (std::uint32_t handle : oldGroups) {
-    if (std::find(current.begin(), current.end(), handle) != current.end())
-      continue;
-    // Gone already (6) is as good as deleted.
-    const pipe_status status = pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(
-        session, options_.device, handle);
-    removed += status == 0 ? 1 : 0;
+  if (!running_.defaultTarget && agentTable_->defaultHandle() != 0) {
+    agentTable_->defaultDel();
+    ++removed;
   }
+  return removed;
+}
+
+std::size_t AgentHost::removeOldGroups(const std::vector<std::uint32_t>& oldGroups) {
+  // The groups of the running configuration, all created by this instance.
+  std::set<std::uint32_t> kept;
+  for (const auto& [id, group] : running_.groups)
+    kept.insert(agentTable_->groupHandle(id));
+  IngressMirrorLagGroupTableHandles& handles = *table_->helper()->sdkHandles();
+  std::set<std::uint32_t> old(oldGroups.begin(), oldGroups.end());
+  std::vector<BfnTable::BfnGroupId> unconfigured;
+  for (auto slot = handles.groups().begin(); slot; ++slot) {
+    if (running_.groups.count(slot.key().value()) == 0) {
+      unconfigured.push_back(slot.key());
+      old.insert(slot.value());
+    }
+  }
+  for (const BfnTable::BfnGroupId& id : unconfigured)
+    handles.groupDel(id);
+  std::size_t removed = 0;
+  auto& pd = *table_->helper()->pdLib();
+  for (std::uint32_t handle : old) {
+    // A group gone already is as good as deleted.
+    if (kept.count(handle) == 0 && pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(
+                                       sm_->sessionHandle(), options_.device, handle) == 0)
+      ++removed;
+  }
+  return removed;
+}
+
+std::size_t AgentHost::removeStaleMembers() {
+  IngressMirrorLagGroupTableHandles& handles = *table_->helper()->sdkHandles();
   std::vector<std::pair<BfnTable::BfnMemberId, std::uint32_t>> stale;
   for (auto slot = handles.members().begin(); slot; ++slot) {
     if (running_.members.count(slot.key().value()) == 0)
       stale.emplace_back(slot.key(), slot.value());
   }
+  std::size_t removed = 0;
+  auto& pd = *table_->helper()->pdLib();
   for (const auto& [id, handle] : stale) {
-    if (pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member(session, options_.device,
-                                                                     handle) == 0) {
-      table_->helper()->sdkHandles()->memberDel(id);
+    if (pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member(
+            sm_->sessionHandle(), options_.device, handle) == 0) {
+      handles.memberDel(id);
       ++removed;
     }
   }

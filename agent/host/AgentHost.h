@@ -70,6 +70,14 @@ class AgentHost {
   // left and the configuration does not name (entries, the groups that were
   // created anew, members); gives how many objects went.
   std::size_t removeLeftovers(const std::vector<std::uint32_t>& oldGroups);
+  // Entries of sessions the configuration does not name; the default entry
+  // when it names none.
+  std::size_t removeStaleEntries();
+  // Every group but the configured ones: those recorded before the apply
+  // and those the plug-in adopted that the configuration does not name.
+  std::size_t removeOldGroups(const std::vector<std::uint32_t>& oldGroups);
+  // Members the configuration does not name.
+  std::size_t removeStaleMembers();
   // The group handles the shadow tables know of: recorded and replaced ones.
   std::vector<std::uint32_t> recordedGroups() const;
   Answer edit(const std::vector<std::string>& words);

@@ -24,7 +24,8 @@ std::optional<AgentConfig> StateFile::read() const {
   try {
     return AgentConfig::fromText(text.str());
   } catch (const ConfigError& e) {
-    throw ConfigError(e.path(), "state file " + path_ + " is damaged: " + e.what());
+    throw std::runtime_error("state file " + path_ + " is damaged: " + e.what() +
+                             " (start with --discard-state to apply --config instead)");
   }
 }
 

@@ -9,7 +9,7 @@ namespace mirrorlag_agent {
 
 // The file that keeps the agent's running configuration across restarts,
 // written atomically: a temporary file beside it, fsync, rename. A damaged
-// file is refused with a ConfigError naming the file.
+// file is refused with an std::runtime_error naming the file and the fault.
 class StateFile {
  public:
   explicit StateFile(std::string path) : path_(std::move(path)) {}

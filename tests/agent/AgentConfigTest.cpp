@@ -66,6 +66,11 @@ struct BadConfig {
   const char* message;
 };
 
+// A case is named by its message in test listings.
+void PrintTo(const BadConfig& bad, std::ostream* out) {
+  *out << bad.message;
+}
+
 class AgentConfigRefusalTest : public testing::TestWithParam<BadConfig> {};
 
 TEST_P(AgentConfigRefusalTest, IsRefusedWithThePathOfItsFault) {
@@ -88,6 +93,8 @@ const std::string kBadGroupMember =
     with(R"("groups": [{"id": 9, "size": 2, "members": [{"id": 3}]}])");
 const std::string kEmptyGroup = with(R"("groups": [{"id": 9, "size": 2, "members": []}])");
 const std::string kZeroSize = with(R"("groups": [{"id": 9, "size": 0, "members": [{"id": 1}]}])");
+const std::string kOverfull =
+    with(R"("groups": [{"id": 9, "size": 1, "members": [{"id": 1}, {"id": 2}]}])");
 const std::string kTwiceInGroup =
     with(R"("groups": [{"id": 9, "size": 2, "members": [{"id": 1}, {"id": 1}]}])");
 const std::string kActiveText =
@@ -125,6 +132,8 @@ INSTANTIATE_TEST_SUITE_P(
         BadConfig{kBadGroupMember.c_str(), "/groups/0/members/0/id: member 3 is not configured"},
         BadConfig{kEmptyGroup.c_str(), "/groups/0/members: a group keeps at least one member"},
         BadConfig{kZeroSize.c_str(), "/groups/0/size: 0 is not in 1 to 4294967295"},
+        BadConfig{kOverfull.c_str(),
+                  "/groups/0/members/1: group 9 of size 1 holds at most 1 members"},
         BadConfig{kTwiceInGroup.c_str(), "/groups/0/members/1/id: member 1 is given twice"},
         BadConfig{kActiveText.c_str(),
                   "/groups/0/members/0/active: expected true or false, found string"},

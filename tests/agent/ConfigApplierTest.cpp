@@ -140,6 +140,18 @@ TEST_F(ConfigApplierTest, AppliesOnlyTheDifference) {
   EXPECT_EQ(picks(7), (std::set<std::uint16_t>{12}));
 }
 
+TEST_F(ConfigApplierTest, AFullGroupChangesMembersByLettingOneLeaveFirst) {
+  const std::string members =
+      R"("members": [{"id": 1, "selector": 10}, {"id": 2, "selector": 11},
+                     {"id": 3, "selector": 12}], "entries": [{"session": 5, "group": 100}])";
+  apply("{" + members + R"(, "groups": [{"id": 100, "size": 2,
+                                         "members": [{"id": 1}, {"id": 2}]}]})");
+  apply("{" + members + R"(, "groups": [{"id": 100, "size": 2,
+                                         "members": [{"id": 1}, {"id": 3}]}]})");
+  EXPECT_THAT(applier->changes(), ElementsAre("group 100 member 2 del", "group 100 member 3 add"));
+  EXPECT_EQ(picks(5), (std::set<std::uint16_t>{10, 12}));
+}
+
 TEST_F(ConfigApplierTest, AnEmptyConfigurationEmptiesTheChip) {
   apply(kExample);
   apply("{}");
