@@ -1,0 +1,128 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <signal.h>
+
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <set>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "AgentFixture.h"
+#include "config/AgentConfig.h"
+#include "support/PdFunctionNames.h"
+
+namespace mirrorlag_agent {
+namespace {
+
+// A status the chip answers an injected fault with.
+constexpr int kFaultStatus = 9;
+
+const char* const kBefore = R"({
+  "members": [{"id": 1, "selector": 10}, {"id": 2, "selector": 11}],
+  "groups": [{"id": 100, "size": 8, "members": [{"id": 1}, {"id": 2}]}],
+  "entries": [{"session": 5, "group": 100}, {"session": 6, "member": 2}],
+  "default": {"member": 1}})";
+
+// Changes every kind of object: members changed, added and removed, group
+// members joining, leaving and switching, a new group, entries moved, added
+// and removed, the default entry moved to a group.
+const char* const kWanted = R"({
+  "members": [{"id": 1, "selector": 16}, {"id": 3, "selector": 12}],
+  "groups": [{"id": 100, "size": 8, "members": [{"id": 1}, {"id": 3, "active": false}]},
+             {"id": 200, "size": 4, "members": [{"id": 3}]}],
+  "entries": [{"session": 5, "group": 200}, {"session": 7, "member": 3}],
+  "default": {"group": 100}})";
+
+// Each PD function of an apply refused once by the chip, in a running agent:
+// the apply fails with the function's name, and the running configuration,
+// the chip and the shadow tables end as before it (the shadow tables hold a
+// record for each object the plug-in holds, and none else).
+// The PD function's name after its table's prefix, for test names.
+std::string shortName(const std::string& function) {
+  for (const std::string prefix : {"ActionProfile_", "ingressMirrorLagGroup_"}) {
+    if (const std::size_t at = function.find(prefix); at != std::string::npos)
+      return function.substr(at + prefix.size());
+  }
+  return function;
+}
+
+class AgentRollbackTest : public AgentFixture,
+                          public testing::WithParamInterface<const std::string*> {
+ protected:
+  void SetUp() override {
+    AgentFixture::SetUp();
+    writeConfig(kBefore);
+    wantedPath = configPath + ".wanted";
+    std::ofstream(wantedPath) << kWanted;
+  }
+  void TearDown() override {
+    std::remove(wantedPath.c_str());
+    AgentFixture::TearDown();
+  }
+
+  nlohmann::json shown(const std::string& subject) const {
+    return nlohmann::json::parse(ctl("show " + subject + " --json").output);
+  }
+
+  // The handles of the shadow records by table, and those the plug-in holds
+  // by the table that records them.
+  std::map<std::string, std::multiset<std::uint32_t>> shadowHandles() const {
+    std::map<std::string, std::multiset<std::uint32_t>> handles;
+    for (const auto& record : shown("shadow"))
+      handles[record["table"].get<std::string>()].insert(record["handle"].get<std::uint32_t>());
+    return handles;
+  }
+  std::map<std::string, std::multiset<std::uint32_t>> heldHandles() const {
+    const std::map<std::string, std::string> tableOf = {{"entry", shadowName + "-mbb"},
+                                                        {"default", shadowName + "-mbb"},
+                                                        {"member", shadowName + "-adt"},
+                                                        {"group", shadowName + "-selgrp"}};
+    std::map<std::string, std::multiset<std::uint32_t>> handles;
+    for (const auto& held : shown("handles")) {
+      handles[tableOf.at(held["kind"].get<std::string>())].insert(
+          held["handle"].get<std::uint32_t>());
+    }
+    return handles;
+  }
+
+  std::string wantedPath;
+};
+
+TEST_P(AgentRollbackTest, ARefusedCallUndoesTheApplyInChipShadowAndConfiguration) {
+  startAgent();
+  const std::string configBefore = ctl("show config").output;
+  ASSERT_EQ(chipTool("fault " + *GetParam() + " " + std::to_string(kFaultStatus)).status, 0);
+  const Outcome failed = ctl("apply " + wantedPath);
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_THAT(failed.output, testing::StartsWith("failed, nothing changed: "));
+  EXPECT_THAT(failed.output, testing::HasSubstr(*GetParam() + "() failed"));
+  EXPECT_EQ(ctl("show config").output, configBefore);
+  const Outcome checked = ctl("check");
+  EXPECT_EQ(checked.status, 0) << checked.output;
+  EXPECT_EQ(shadowHandles(), heldHandles());
+  // The kept state is the one before: a restart runs it.
+  stopAgent(SIGKILL);
+  startAgent();
+  EXPECT_EQ(ctl("show config").output, configBefore);
+  // And the wanted configuration applies cleanly after all.
+  EXPECT_EQ(ctl("apply " + wantedPath).status, 0);
+  EXPECT_EQ(ctl("check").status, 0);
+  EXPECT_EQ(shadowHandles(), heldHandles());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    EveryCallOfTheApply, AgentRollbackTest,
+    testing::Values(&chipsim_test::kAddMember, &chipsim_test::kModifyMember,
+                    &chipsim_test::kCreateGroup, &chipsim_test::kAddMemberToGroup,
+                    &chipsim_test::kGroupMemberStateSet, &chipsim_test::kDelMemberFromGroup,
+                    &chipsim_test::kModifyEntryWithSelector, &chipsim_test::kAddEntry,
+                    &chipsim_test::kSetDefaultEntryWithSelector, &chipsim_test::kTableDelete,
+                    &chipsim_test::kDelMember),
+    [](const testing::TestParamInfo<const std::string*>& info) { return shortName(*info.param); });
+
+}  // namespace
+}  // namespace mirrorlag_agent
