@@ -46,6 +46,51 @@ TEST_F(AgentProcessTest, EditsAreAppliedAndBadOnesRefused) {
   EXPECT_EQ(run(std::string(MIRRORLAGCTL) + " --socket " + socketPath).status, 2);
 }
 
+// The chip's log lines from `from` on.
+std::vector<std::string> linesFrom(const std::vector<std::string>& log, std::size_t from) {
+  return std::vector<std::string>(log.begin() + static_cast<std::ptrdiff_t>(from), log.end());
+}
+
+TEST_F(AgentProcessTest, EachEditCommandMakesItsPdCalls) {
+  startAgent();
+  const std::string ap = "p4_pd_kestro_switch_mirrorLagPortActionProfile_";
+  const std::string table = "p4_pd_kestro_switch_ingressMirrorLagGroup_";
+  // The PD calls of an edit, which the agent answers with the change it made.
+  const auto calls = [&](const std::string& command, const std::string& change) {
+    const std::size_t before = chipLog().size();
+    const Outcome edited = ctl(command);
+    EXPECT_EQ(edited.status, 0) << edited.output;
+    EXPECT_EQ(edited.output, change + "\n");
+    return linesFrom(chipLog(), before);
+  };
+  EXPECT_THAT(calls("member 4 selector 13", "member 4 add"),
+              testing::ElementsAre(ap + "add_member_with_setLagMemberSelector(sess=1, dev=0, "
+                                        "pipe=0xffff, selector=13) = 0 mbr=4"));
+  EXPECT_THAT(calls("member 4 selector 14", "member 4 selector 14"),
+              testing::ElementsAre(ap + "modify_member_with_setLagMemberSelector(sess=1, dev=0, "
+                                        "mbr=4, selector=14) = 0"));
+  EXPECT_THAT(calls("group 100 member 4 add", "group 100 member 4 add"),
+              testing::ElementsAre(ap + "add_member_to_group(sess=1, dev=0, grp=1, mbr=4) = 0"));
+  EXPECT_THAT(calls("group 100 member 4 inactive", "group 100 member 4 inactive"),
+              testing::ElementsAre(ap + "group_member_state_set(sess=1, dev=0, grp=1, mbr=4, "
+                                        "state=1) = 0"));
+  EXPECT_THAT(calls("group 100 member 4 active", "group 100 member 4 active"),
+              testing::ElementsAre(ap + "group_member_state_set(sess=1, dev=0, grp=1, mbr=4, "
+                                        "state=0) = 0"));
+  EXPECT_THAT(calls("entry 8 group 100", "entry 8 group 100"),
+              testing::ElementsAre(table + "add_entry_with_selector(sess=1, dev=0, pipe=0xffff, "
+                                           "mirror_session=8, grp=1) = 0 entry=3"));
+  EXPECT_THAT(calls("entry 8 member 4", "entry 8 member 4"),
+              testing::ElementsAre(table + "modify_entry(sess=1, dev=0, entry=3, mbr=4) = 0"));
+  EXPECT_THAT(calls("entry 8 del", "entry 8 del"),
+              testing::ElementsAre(table + "table_delete(sess=1, dev=0, entry=3) = 0"));
+  EXPECT_THAT(calls("group 100 member 4 del", "group 100 member 4 del"),
+              testing::ElementsAre(ap + "del_member_from_group(sess=1, dev=0, grp=1, mbr=4) = 0"));
+  EXPECT_THAT(calls("member 4 del", "member 4 del"),
+              testing::ElementsAre(ap + "del_member(sess=1, dev=0, mbr=4) = 0"));
+  EXPECT_EQ(AgentConfig::fromText(ctl("show config").output), AgentConfig::fromText(kConfig));
+}
+
 TEST_F(AgentProcessTest, AttributesAreReadAndSetByName) {
   startAgent();
   EXPECT_EQ(ctl("get sm/sessionHandle").output, "1\n");
