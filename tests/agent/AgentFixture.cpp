@@ -57,7 +57,7 @@ void AgentFixture::TearDown() {
   stopAgent(SIGTERM);
   chipsim_test::chipsim().unlink(chipName.c_str());
   MbbVaultKey::VaultKeyManager::unlink(shadowName);
-  for (const std::string& path : {statePath, configPath, logPath, socketPath})
+  for (const std::string& path : {statePath, configPath, logPath, logPath + ".err", socketPath})
     std::remove(path.c_str());
 }
 
@@ -91,7 +91,8 @@ pid_t AgentFixture::spawnAgent(const std::vector<std::string>& extra,
 void AgentFixture::startAgent(const std::vector<std::string>& extra) {
   // A killed agent leaves its socket file behind.
   unlink(socketPath.c_str());
-  agent = spawnAgent(extra, "/dev/null");
+  const std::string errors = logPath + ".err";
+  agent = spawnAgent(extra, errors);
   for (int tries = 0; tries < kStartTries; ++tries) {
     struct stat status {};
     if (stat(socketPath.c_str(), &status) == 0) {
@@ -100,7 +101,7 @@ void AgentFixture::startAgent(const std::vector<std::string>& extra) {
     }
     std::this_thread::sleep_for(kStartPause);
   }
-  FAIL() << "the agent did not start";
+  FAIL() << "the agent did not start: " << fileText(errors);
 }
 
 Outcome AgentFixture::runAgentToEnd(const std::vector<std::string>& extra) {
