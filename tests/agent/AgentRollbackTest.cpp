@@ -41,17 +41,7 @@ const char* const kWanted = R"({
 // the apply fails with the function's name, and the running configuration,
 // the chip and the shadow tables end as before it (the shadow tables hold a
 // record for each object the plug-in holds, and none else).
-// The PD function's name after its table's prefix, for test names.
-std::string shortName(const std::string& function) {
-  for (const std::string prefix : {"ActionProfile_", "ingressMirrorLagGroup_"}) {
-    if (const std::size_t at = function.find(prefix); at != std::string::npos)
-      return function.substr(at + prefix.size());
-  }
-  return function;
-}
-
-class AgentRollbackTest : public AgentFixture,
-                          public testing::WithParamInterface<const std::string*> {
+class AgentRollbackTest : public AgentFixture, public testing::WithParamInterface<std::string> {
  protected:
   void SetUp() override {
     AgentFixture::SetUp();
@@ -95,11 +85,11 @@ class AgentRollbackTest : public AgentFixture,
 TEST_P(AgentRollbackTest, ARefusedCallUndoesTheApplyInChipShadowAndConfiguration) {
   startAgent();
   const std::string configBefore = ctl("show config").output;
-  ASSERT_EQ(chipTool("fault " + *GetParam() + " " + std::to_string(kFaultStatus)).status, 0);
+  ASSERT_EQ(chipTool("fault " + GetParam() + " " + std::to_string(kFaultStatus)).status, 0);
   const Outcome failed = ctl("apply " + wantedPath);
   EXPECT_EQ(failed.status, 1);
   EXPECT_THAT(failed.output, testing::StartsWith("failed, nothing changed: "));
-  EXPECT_THAT(failed.output, testing::HasSubstr(*GetParam() + "() failed"));
+  EXPECT_THAT(failed.output, testing::HasSubstr(GetParam() + "() failed"));
   EXPECT_EQ(ctl("show config").output, configBefore);
   const Outcome checked = ctl("check");
   EXPECT_EQ(checked.status, 0) << checked.output;
@@ -116,13 +106,15 @@ TEST_P(AgentRollbackTest, ARefusedCallUndoesTheApplyInChipShadowAndConfiguration
 
 INSTANTIATE_TEST_SUITE_P(
     EveryCallOfTheApply, AgentRollbackTest,
-    testing::Values(&chipsim_test::kAddMember, &chipsim_test::kModifyMember,
-                    &chipsim_test::kCreateGroup, &chipsim_test::kAddMemberToGroup,
-                    &chipsim_test::kGroupMemberStateSet, &chipsim_test::kDelMemberFromGroup,
-                    &chipsim_test::kModifyEntryWithSelector, &chipsim_test::kAddEntry,
-                    &chipsim_test::kSetDefaultEntryWithSelector, &chipsim_test::kTableDelete,
-                    &chipsim_test::kDelMember),
-    [](const testing::TestParamInfo<const std::string*>& info) { return shortName(*info.param); });
+    testing::Values(chipsim_test::kAddMember, chipsim_test::kModifyMember,
+                    chipsim_test::kCreateGroup, chipsim_test::kAddMemberToGroup,
+                    chipsim_test::kGroupMemberStateSet, chipsim_test::kDelMemberFromGroup,
+                    chipsim_test::kModifyEntryWithSelector, chipsim_test::kAddEntry,
+                    chipsim_test::kSetDefaultEntryWithSelector, chipsim_test::kTableDelete,
+                    chipsim_test::kDelMember),
+    [](const testing::TestParamInfo<std::string>& info) {
+      return chipsim_test::pdShortName(info.param);
+    });
 
 }  // namespace
 }  // namespace mirrorlag_agent

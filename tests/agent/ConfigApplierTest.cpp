@@ -183,7 +183,7 @@ TEST_F(ConfigApplierTest, AGroupCannotChangeItsShapeInPlace) {
 // Each PD function of an apply that changes every kind of object, refused
 // once: the changes already made are undone, and the chip forwards as before.
 class ConfigApplierRollbackTest : public ConfigApplierTest,
-                                  public testing::WithParamInterface<const std::string*> {};
+                                  public testing::WithParamInterface<std::string> {};
 
 TEST_P(ConfigApplierRollbackTest, ARefusedChangeUndoesTheApply) {
   apply(R"({"members": [{"id": 1, "selector": 10}, {"id": 2, "selector": 11}],
@@ -197,7 +197,7 @@ TEST_P(ConfigApplierRollbackTest, ARefusedChangeUndoesTheApply) {
                {"id": 200, "size": 4, "members": [{"id": 3}]}],
     "entries": [{"session": 5, "group": 200}, {"session": 7, "member": 3}],
     "default": {"group": 100}})");
-  ASSERT_EQ(chip.failNext(GetParam()->c_str(), 9, 1), 0);
+  ASSERT_EQ(chip.failNext(GetParam().c_str(), 9, 1), 0);
   EXPECT_THROW(applier->apply(running, wanted), ApplyError);
   EXPECT_EQ(chipState(), before);
   EXPECT_EQ(chipFault(), "");
@@ -211,12 +211,15 @@ TEST_P(ConfigApplierRollbackTest, ARefusedChangeUndoesTheApply) {
 
 INSTANTIATE_TEST_SUITE_P(
     EveryCallOfTheApply, ConfigApplierRollbackTest,
-    testing::Values(&chipsim_test::kAddMember, &chipsim_test::kModifyMember,
-                    &chipsim_test::kCreateGroup, &chipsim_test::kAddMemberToGroup,
-                    &chipsim_test::kGroupMemberStateSet, &chipsim_test::kDelMemberFromGroup,
-                    &chipsim_test::kModifyEntryWithSelector, &chipsim_test::kAddEntry,
-                    &chipsim_test::kSetDefaultEntryWithSelector, &chipsim_test::kTableDelete,
-                    &chipsim_test::kDelMember));
+    testing::Values(chipsim_test::kAddMember, chipsim_test::kModifyMember,
+                    chipsim_test::kCreateGroup, chipsim_test::kAddMemberToGroup,
+                    chipsim_test::kGroupMemberStateSet, chipsim_test::kDelMemberFromGroup,
+                    chipsim_test::kModifyEntryWithSelector, chipsim_test::kAddEntry,
+                    chipsim_test::kSetDefaultEntryWithSelector, chipsim_test::kTableDelete,
+                    chipsim_test::kDelMember),
+    [](const testing::TestParamInfo<std::string>& info) {
+      return chipsim_test::pdShortName(info.param);
+    });
 
 }  // namespace
 }  // namespace mirrorlag_agent

@@ -59,4 +59,14 @@ inline const std::vector<std::string> kPdFunctions = {kAddEntry,
                                                       kDelMemberFromGroup,
                                                       kGroupMemberStateSet};
 
+// A PD function's name without its table's prefix ("add_entry"), as the name
+// of a test case that a PD function parameterises.
+inline std::string pdShortName(const std::string& function) {
+  for (const std::string prefix : {"ActionProfile_", "ingressMirrorLagGroup_"}) {
+    if (const std::size_t at = function.find(prefix); at != std::string::npos)
+      return function.substr(at + prefix.size());
+  }
+  return function;
+}
+
 }  // namespace chipsim_test
