@@ -16,6 +16,7 @@
 #include "Vel/TraceHandle.h"
 #include "config/ConfigError.h"
 #include "core/ApplyError.h"
+#include "host/ActionProfileReadBack.h"
 #include "host/AgentCheck.h"
 #include "host/AgentReport.h"
 #include "host/ChipProbe.h"
@@ -233,7 +234,33 @@ std::vector<std::uint32_t> AgentHost::recordedGroups() const {
 }
 
 std::size_t AgentHost::removeLeftovers(const std::vector<std::uint32_t>& oldGroups) {
-  return removeStaleEntries() + removeOldGroups(oldGroups) + removeStaleMembers();
+  return removeStaleEntries() + removeOldGroups(oldGroups) + removeStaleMembers() +
+         removeUnrecorded();
+}
+
+std::size_t AgentHost::removeUnrecorded() {
+  const ActionProfileReadBack chip(pdLib_);
+  const std::uint32_t session = sm_->sessionHandle();
+  const IngressMirrorLagGroupTableHandles& handles = *table_->helper()->sdkHandles();
+  std::set<std::uint32_t> held;
+  for (auto slot = handles.groups().begin(); slot; ++slot)
+    held.insert(slot.value());
+  std::size_t removed = 0;
+  auto& pd = *table_->helper()->pdLib();
+  for (std::uint32_t group : chip.groups(session, options_.device)) {
+    if (held.count(group) == 0 && pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(
+                                      session, options_.device, group) == 0)
+      ++removed;
+  }
+  held.clear();
+  for (auto slot = handles.members().begin(); slot; ++slot)
+    held.insert(slot.value());
+  for (std::uint32_t member : chip.members(session, options_.device)) {
+    if (held.count(member) == 0 && pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member(
+                                       session, options_.device, member) == 0)
+      ++removed;
+  }
+  return removed;
 }
 
 std::size_t AgentHost::removeStaleEntries() {

@@ -78,6 +78,10 @@ class AgentHost {
   std::size_t removeOldGroups(const std::vector<std::uint32_t>& oldGroups);
   // Members the configuration does not name.
   std::size_t removeStaleMembers();
+  // Members and groups in the chip that the plug-in holds no handle of: made
+  // by a process killed before it could record them (found with the PD
+  // library's read-back, when it has one).
+  std::size_t removeUnrecorded();
   // The group handles the shadow tables know of: recorded and replaced ones.
   std::vector<std::uint32_t> recordedGroups() const;
   Answer edit(const std::vector<std::string>& words);

@@ -30,7 +30,7 @@ struct ChipHeader {
   };
 
   static constexpr uint64_t kMagic = 0x314d495350494843ull;  // "CHIPSIM1"
-  static constexpr uint32_t kVersion = 3;
+  static constexpr uint32_t kVersion = 4;
 
   uint64_t magic;  // written last when the chip is made
   uint32_t version;

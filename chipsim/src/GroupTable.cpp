@@ -154,4 +154,11 @@ std::optional<uint32_t> GroupTable::pick(const GroupRecord& group, uint32_t hash
   return std::nullopt;
 }
 
+Status GroupTable::next(int32_t deviceId, uint32_t after, uint32_t* handle) const noexcept {
+  if (!header_.acceptsDevice(deviceId) || handle == nullptr) {
+    return kInvalidArgument;
+  }
+  return pool_.next(after, handle);
+}
+
 }  // namespace chipsim

@@ -38,6 +38,9 @@ class GroupTable {
   // member number hash % (active members). Nothing when none is active.
   std::optional<uint32_t> pick(const GroupRecord& group, uint32_t hash) const noexcept;
 
+  // The group after the one `after` names (0: the first group), in the chip's order.
+  Status next(int32_t deviceId, uint32_t after, uint32_t* handle) const noexcept;
+
   const SlotPool<GroupRecord>& pool() const noexcept { return pool_; }
 
  private:

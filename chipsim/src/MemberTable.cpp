@@ -59,4 +59,11 @@ void MemberTable::addGroupRef(MemberRecord& member, int delta) noexcept {
   journal_.set(member.groupRefs, member.groupRefs + static_cast<uint32_t>(delta));
 }
 
+Status MemberTable::next(int32_t deviceId, uint32_t after, uint32_t* handle) const noexcept {
+  if (!header_.acceptsDevice(deviceId) || handle == nullptr) {
+    return kInvalidArgument;
+  }
+  return pool_.next(after, handle);
+}
+
 }  // namespace chipsim

@@ -26,6 +26,9 @@ class MemberTable {
   void addEntryRef(MemberRecord& member, int delta) noexcept;
   void addGroupRef(MemberRecord& member, int delta) noexcept;
 
+  // The member after the one `after` names (0: the first member), in the chip's order.
+  Status next(int32_t deviceId, uint32_t after, uint32_t* handle) const noexcept;
+
   const SlotPool<MemberRecord>& pool() const noexcept { return pool_; }
 
  private:

@@ -248,4 +248,51 @@ pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_se
       });
 }
 
+pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member(
+    p4_pd_session_handle_t sess_hdl, p4_pd_device_id_t dev_id, p4_pd_member_handle_t* mbr_hdl) {
+  return PdCall(PdFunction::getFirstMember)
+      .session(sess_hdl)
+      .device(dev_id)
+      .handleOut(LogLabel::mbr, mbr_hdl)
+      .run([&](Chip& chip) { return chip.members().next(dev_id, 0, mbr_hdl); });
+}
+
+pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member(
+    p4_pd_session_handle_t sess_hdl, p4_pd_device_id_t dev_id, p4_pd_member_handle_t mbr_hdl,
+    p4_pd_member_handle_t* next_mbr_hdl) {
+  return PdCall(PdFunction::getNextMember)
+      .session(sess_hdl)
+      .device(dev_id)
+      .handle(LogLabel::mbr, mbr_hdl)
+      .handleOut(LogLabel::mbr, next_mbr_hdl)
+      .run([&](Chip& chip) {
+        // Handle 0 starts a walk in the pool; here it names no member.
+        return mbr_hdl == 0 ? chipsim::kNotFound
+                            : chip.members().next(dev_id, mbr_hdl, next_mbr_hdl);
+      });
+}
+
+pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_group(
+    p4_pd_session_handle_t sess_hdl, p4_pd_device_id_t dev_id, p4_pd_group_handle_t* grp_hdl) {
+  return PdCall(PdFunction::getFirstGroup)
+      .session(sess_hdl)
+      .device(dev_id)
+      .handleOut(LogLabel::grp, grp_hdl)
+      .run([&](Chip& chip) { return chip.groups().next(dev_id, 0, grp_hdl); });
+}
+
+pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_group(
+    p4_pd_session_handle_t sess_hdl, p4_pd_device_id_t dev_id, p4_pd_group_handle_t grp_hdl,
+    p4_pd_group_handle_t* next_grp_hdl) {
+  return PdCall(PdFunction::getNextGroup)
+      .session(sess_hdl)
+      .device(dev_id)
+      .handle(LogLabel::grp, grp_hdl)
+      .handleOut(LogLabel::grp, next_grp_hdl)
+      .run([&](Chip& chip) {
+        return grp_hdl == 0 ? chipsim::kNotFound
+                            : chip.groups().next(dev_id, grp_hdl, next_grp_hdl);
+      });
+}
+
 }  // extern "C"

@@ -27,6 +27,10 @@ constexpr std::array<std::string_view, kPdFunctionCount> kNames = {
     "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_to_group",
     "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group",
     "p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_group",
+    "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_group",
 };
 
 }  // namespace

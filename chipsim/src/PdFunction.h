@@ -27,9 +27,14 @@ enum class PdFunction : unsigned {
   addMemberToGroup,
   delMemberFromGroup,
   groupMemberStateSet,
+  getFirstMember,
+  getNextMember,
+  getFirstGroup,
+  getNextGroup,
 };
 
-inline constexpr std::size_t kPdFunctionCount = 19;
+inline constexpr std::size_t kPdFunctionCount =
+    static_cast<std::size_t>(PdFunction::getNextGroup) + 1;
 
 // The exported C name of a PD function.
 std::string_view pdFunctionName(PdFunction function) noexcept;

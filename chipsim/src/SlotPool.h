@@ -4,6 +4,7 @@
 
 #include "ChipHeader.h"
 #include "Journal.h"
+#include "Status.h"
 
 namespace chipsim {
 
@@ -94,6 +95,27 @@ class SlotPool {
     }
     journal_.set(state_.freeTail, slot + 1);
     journal_.set(state_.used, state_.used - 1);
+  }
+
+  // The handle of the live record after the one `handle` names, in slot
+  // order (0: the first live record). kNotFound at the end, and for a handle
+  // that names no live record.
+  Status next(uint32_t handle, uint32_t* next) const noexcept {
+    uint32_t slot = 0;
+    if (handle != 0) {
+      const Record* record = find(handle);
+      if (record == nullptr) {
+        return kNotFound;
+      }
+      slot = slotOf(*record) + 1;
+    }
+    for (; slot < state_.watermark && slot < capacity_; ++slot) {
+      if (records_[slot].inUse) {
+        *next = records_[slot].handle;
+        return kSuccess;
+      }
+    }
+    return kNotFound;
   }
 
   // Calls f(record) for every live record, in slot order.

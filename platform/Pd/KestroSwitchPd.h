@@ -3,8 +3,9 @@
  * program, as far as the ingressMirrorLagGroup match table and its action
  * profile mirrorLagPortActionProfile go.
  *
- * A PD library exports every function declared here by its plain C name; the
- * host loads the library with dlopen and resolves the functions with dlsym,
+ * A PD library exports every function declared here by its plain C name (the
+ * read-back functions at the end may be left out); the host loads the library
+ * with dlopen and resolves the functions with dlsym,
  * using the function pointer types below. Every function returns a
  * pipe_status, 0 on success.
  *
@@ -176,6 +177,35 @@ P4_PD_FUNCTION(p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_gr
 P4_PD_FUNCTION(p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set,
                p4_pd_session_handle_t sess_hdl, p4_pd_device_id_t dev_id,
                p4_pd_group_handle_t grp_hdl, p4_pd_member_handle_t mbr_hdl, int32_t state);
+
+/*
+ * Read-back of the action profile, for a host that makes sure after a restart
+ * that the chip holds no member or group it does not know of. A PD library may
+ * leave them out: the table's PD interface object does not use them, and a
+ * host looks them up with dlsym and does without when they are absent. Each
+ * walk goes in the chip's own order and ends with status 6 (not found), also
+ * given for a handle that names no member or group.
+ */
+
+/* The first member of the action profile. */
+P4_PD_FUNCTION(p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member,
+               p4_pd_session_handle_t sess_hdl, p4_pd_device_id_t dev_id,
+               p4_pd_member_handle_t* mbr_hdl);
+
+/* The member after mbr_hdl. */
+P4_PD_FUNCTION(p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member,
+               p4_pd_session_handle_t sess_hdl, p4_pd_device_id_t dev_id,
+               p4_pd_member_handle_t mbr_hdl, p4_pd_member_handle_t* next_mbr_hdl);
+
+/* The first selector group of the action profile. */
+P4_PD_FUNCTION(p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_group,
+               p4_pd_session_handle_t sess_hdl, p4_pd_device_id_t dev_id,
+               p4_pd_group_handle_t* grp_hdl);
+
+/* The selector group after grp_hdl. */
+P4_PD_FUNCTION(p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_group,
+               p4_pd_session_handle_t sess_hdl, p4_pd_device_id_t dev_id,
+               p4_pd_group_handle_t grp_hdl, p4_pd_group_handle_t* next_grp_hdl);
 
 #undef P4_PD_FUNCTION
 

@@ -15,6 +15,7 @@
 #include "AgentFixture.h"
 #include "config/AgentConfig.h"
 #include "support/ChipContents.h"
+#include "support/ChipsimLibrary.h"
 #include "support/EnvironmentNumber.h"
 
 namespace mirrorlag_agent {
@@ -69,6 +70,29 @@ TEST_F(AgentStartTest, ADamagedStateFileIsRefusedBeforeTheChipIsTouched) {
   EXPECT_EQ(shadowBytes(), shadowBefore);
   startAgent({"--discard-state"});
   EXPECT_EQ(AgentConfig::fromText(ctl("show config").output), AgentConfig::fromText(kConfig));
+}
+
+TEST_F(AgentStartTest, ARestartRemovesMembersAndGroupsThatNoRecordNames) {
+  startAgent();
+  stopAgent(SIGKILL);
+  // What a process killed between the chip's add and its record leaves.
+  const chipsim_test::ChipsimLibrary& chip = chipsim_test::chipsim();
+  ASSERT_EQ(chip.attach(chipName.c_str()), 0);
+  p4_pd_kestro_switch_setLagMemberSelector_action_spec_t spec{99};
+  std::uint32_t member = 0;
+  std::uint32_t group = 0;
+  ASSERT_EQ(chip.addMember(1, {0, P4_PD_ALL_PIPES}, &spec, &member), 0);
+  ASSERT_EQ(chip.createGroup(1, {0, P4_PD_ALL_PIPES}, 4, &group), 0);
+  ASSERT_EQ(chip.attach(nullptr), 0);
+  startAgent();
+  // The old group, and the unrecorded member and group.
+  EXPECT_THAT(agentLog(), HasSubstr("mirrorlag-agent: removed 3 objects left behind\n"));
+  EXPECT_EQ(ctl("check").status, 0);
+  const shadow_test::ChipContents contents = shadow_test::ChipContents::parse(chipDump());
+  EXPECT_EQ(contents.members.count(member), 0u);
+  EXPECT_EQ(contents.groups.count(group), 0u);
+  EXPECT_EQ(contents.members.size(), 3u);
+  EXPECT_EQ(contents.groups.size(), 1u);
 }
 
 TEST_F(AgentStartTest, ABadStartConfigurationIsRefusedWithItsFileAndPath) {

@@ -66,6 +66,13 @@ ChipsimLibrary load() {
                  "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group");
   loader.resolve(lib.groupMemberStateSet,
                  "p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set");
+  loader.resolve(lib.getFirstMember,
+                 "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member");
+  loader.resolve(lib.getNextMember,
+                 "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member");
+  loader.resolve(lib.getFirstGroup,
+                 "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_group");
+  loader.resolve(lib.getNextGroup, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_group");
   loader.resolve(lib.configDefault, "chipsim_config_default");
   loader.resolve(lib.configure, "chipsim_configure");
   loader.resolve(lib.configGet, "chipsim_config_get");

@@ -30,6 +30,10 @@ struct ChipsimLibrary {
   p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_to_group_fn addMemberToGroup;
   p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group_fn delMemberFromGroup;
   p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set_fn groupMemberStateSet;
+  p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member_fn getFirstMember;
+  p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member_fn getNextMember;
+  p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_group_fn getFirstGroup;
+  p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_group_fn getNextGroup;
 
   decltype(&chipsim_config_default) configDefault;
   decltype(&chipsim_configure) configure;

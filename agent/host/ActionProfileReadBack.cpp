@@ -1,0 +1,47 @@
+#include "host/ActionProfileReadBack.h"
+
+#include <dlfcn.h>
+
+namespace mirrorlag_agent {
+
+namespace {
+
+template <class F>
+void find(void* library, const char* name, F& function) {
+  function = reinterpret_cast<F>(dlsym(library, name));
+}
+
+// The handles a get-first / get-next pair walks, in the chip's order.
+template <class First, class Next>
+std::vector<std::uint32_t> walk(First first, Next next, p4_pd_session_handle_t session,
+                                p4_pd_device_id_t device) {
+  std::vector<std::uint32_t> handles;
+  if (first == nullptr || next == nullptr)
+    return handles;
+  std::uint32_t handle = 0;
+  for (pipe_status status = first(session, device, &handle); status == 0;
+       status = next(session, device, handle, &handle))
+    handles.push_back(handle);
+  return handles;
+}
+
+}  // namespace
+
+ActionProfileReadBack::ActionProfileReadBack(void* pdLib) {
+  find(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member", firstMember_);
+  find(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member", nextMember_);
+  find(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_group", firstGroup_);
+  find(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_group", nextGroup_);
+}
+
+std::vector<std::uint32_t> ActionProfileReadBack::members(p4_pd_session_handle_t session,
+                                                          p4_pd_device_id_t device) const {
+  return walk(firstMember_, nextMember_, session, device);
+}
+
+std::vector<std::uint32_t> ActionProfileReadBack::groups(p4_pd_session_handle_t session,
+                                                         p4_pd_device_id_t device) const {
+  return walk(firstGroup_, nextGroup_, session, device);
+}
+
+}  // namespace mirrorlag_agent
