@@ -39,7 +39,8 @@ Commands:
                                  changing hashes, for S seconds (default 10; 0:
                                  until interrupted); print the lookups per
                                  second as they go, then the lookups, the
-                                 misses and the sessions that missed
+                                 misses and the sessions that missed; on
+                                 SIGUSR1, the lookups and misses so far
 
 Options:
   --chip NAME                    the chip to work on; it must exist

@@ -9,9 +9,14 @@
 namespace {
 
 volatile std::sig_atomic_t stopRequested = 0;
+volatile std::sig_atomic_t markRequested = 0;
 
 void requestStop(int) {
   stopRequested = 1;
+}
+
+void requestMark(int) {
+  markRequested = 1;
 }
 
 double now() {
@@ -25,6 +30,7 @@ double now() {
 int TrafficRun::run() {
   std::signal(SIGINT, &requestStop);
   std::signal(SIGTERM, &requestStop);
+  std::signal(SIGUSR1, &requestMark);
   const double start = now();
   double second = start + 1;
   std::uint64_t lookupsThisSecond = 0;
@@ -39,6 +45,13 @@ int TrafficRun::run() {
       if (result != 0 && result != CHIPSIM_DEFAULT_HIT)
         ++misses_[static_cast<std::uint16_t>(session)];
     }
+    if (markRequested != 0) {
+      markRequested = 0;
+      std::printf("traffic: mark: %llu lookups, %llu misses\n",
+                  static_cast<unsigned long long>(lookups_),
+                  static_cast<unsigned long long>(missCount()));
+      std::fflush(stdout);
+    }
     const double t = now();
     if (t >= second) {
       std::printf("traffic: %llu lookups/s, %zu sessions missing so far\n",
@@ -50,9 +63,7 @@ int TrafficRun::run() {
     if (seconds_ != 0 && t - start >= static_cast<double>(seconds_))
       break;
   }
-  std::uint64_t misses = 0;
-  for (const auto& [session, count] : misses_)
-    misses += count;
+  const std::uint64_t misses = missCount();
   std::printf("traffic: %llu lookups, %llu misses", static_cast<unsigned long long>(lookups_),
               static_cast<unsigned long long>(misses));
   if (!misses_.empty()) {
@@ -62,4 +73,11 @@ int TrafficRun::run() {
   }
   std::printf("\n");
   return misses_.empty() ? 0 : 1;
+}
+
+std::uint64_t TrafficRun::missCount() const noexcept {
+  std::uint64_t misses = 0;
+  for (const auto& [session, count] : misses_)
+    misses += count;
+  return misses;
 }

@@ -2,7 +2,10 @@
 #include "NamedChip.h"
 #include "ToolRun.h"
 
+#include <sys/wait.h>
+
 #include <chrono>
+#include <cstdio>
 #include <thread>
 
 namespace chipsim_test {
@@ -79,7 +82,8 @@ Commands:
                                  changing hashes, for S seconds (default 10; 0:
                                  until interrupted); print the lookups per
                                  second as they go, then the lookups, the
-                                 misses and the sessions that missed
+                                 misses and the sessions that missed; on
+                                 SIGUSR1, the lookups and misses so far
 
 Options:
   --chip NAME                    the chip to work on; it must exist
@@ -228,6 +232,32 @@ TEST_F(ToolTest, TrafficWithoutMissesEndsWell) {
   ToolRun run = tool({"traffic", "--sessions", "0-3", "--seconds", "1"});
   EXPECT_EQ(run.exitStatus, 0);
   EXPECT_NE(lastLineOf(run.out).find(", 0 misses"), std::string::npos) << run.out;
+}
+
+TEST_F(ToolTest, TrafficPrintsItsCountsSoFarOnSigusr1) {
+  const uint32_t member = addMember(7);
+  addEntry(0, member);
+  const std::string script = std::string(CHIPSIM_TOOL) + " --chip " + chip.name() +
+                             " traffic --sessions 0-1 --seconds 2 & pid=$!; sleep 0.5;"
+                             " kill -USR1 $pid; wait $pid";
+  FILE* pipe = popen(script.c_str(), "r");
+  ASSERT_NE(pipe, nullptr);
+  std::string out;
+  char buffer[4096];
+  for (std::size_t got; (got = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+    out.append(buffer, got);
+  EXPECT_EQ(WEXITSTATUS(pclose(pipe)), 1);  // session 1 has no entry
+  const std::size_t mark = out.find("traffic: mark: ");
+  ASSERT_NE(mark, std::string::npos) << out;
+  unsigned long long lookups = 0;
+  unsigned long long misses = 0;
+  ASSERT_EQ(std::sscanf(out.c_str() + mark, "traffic: mark: %llu lookups, %llu misses", &lookups,
+                        &misses),
+            2);
+  // Sessions 0 and 1 in turn, counted after each round: session 1 missed
+  // every other lookup.
+  EXPECT_GT(lookups, 0u);
+  EXPECT_EQ(misses * 2, lookups);
 }
 
 TEST_F(ToolTest, AnEntryRemovedMidRunIsMissedByItsSessionOnly) {
