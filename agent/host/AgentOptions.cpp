@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <cstdint>
 #include <cstdlib>
 
 namespace mirrorlag_agent {
@@ -21,12 +22,17 @@ AgentOptions AgentOptions::parse(int argc, char** argv) {
   app.add_flag("--discard-state", options.discardState,
                "start from --config even when the state file exists");
   app.add_option("--pd-lib", options.pdLib, "PD library file")->capture_default_str();
-  app.add_option("--device", options.device, "device id")->capture_default_str();
+  // Read as a number: CLI11 takes a byte for a character.
+  unsigned device = options.device;
+  app.add_option("--device", device, "device id")
+      ->check(CLI::Range(0u, unsigned{UINT8_MAX}))
+      ->capture_default_str();
   app.add_option("--pipe", options.pipe, "pipe id (65535: all pipes)")->capture_default_str();
   app.add_option("--session", options.session, "SDK session id")->capture_default_str();
   app.add_option("--trace", options.traces, "trace level, NAME=LEVEL (repeatable)");
   try {
     app.parse(argc, argv);
+    options.device = static_cast<std::uint8_t>(device);
   } catch (const CLI::ParseError& e) {
     std::exit(app.exit(e) == 0 ? 0 : 2);
   }

@@ -95,6 +95,13 @@ TEST_F(AgentStartTest, ARestartRemovesMembersAndGroupsThatNoRecordNames) {
   EXPECT_EQ(contents.groups.size(), 1u);
 }
 
+TEST_F(AgentStartTest, ABadCommandLineIsRefusedWithStatus2) {
+  const Outcome refused = runAgentToEnd({"--device", "300"});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_THAT(refused.output, HasSubstr("--device: Value 300 not in range 0 to 255"));
+  EXPECT_EQ(runAgentToEnd({"--frobnicate"}).status, 2);
+}
+
 TEST_F(AgentStartTest, ABadStartConfigurationIsRefusedWithItsFileAndPath) {
   writeConfig(R"({"members": [{"id": 1, "selector": 70000}]})");
   const Outcome refused = runAgentToEnd();
