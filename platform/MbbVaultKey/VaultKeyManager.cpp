@@ -1,5 +1,8 @@
 #include "MbbVaultKey/VaultKeyManager.h"
 
+#include "Vault/TableInUseException.h"
+#include "Vel/Format.h"
+
 #include <algorithm>
 
 #include "Quill/Assert.h"
@@ -19,14 +22,29 @@ Vel::Ptr<Vault::VaultBase<R>> configOf(const std::unique_ptr<ShadowTable<R>>& ta
 
 VaultKeyManager::VaultKeyManager() = default;
 
+namespace {
+
+// The shadow table `name` of `baseName`, held for writing; another writer of
+// it is reported by the base name, as the host knows the tables.
+template <class R>
+std::unique_ptr<ShadowTable<R>> writerOf(const std::string& baseName, const std::string& name,
+                                         std::uint32_t capacity) {
+  try {
+    return std::make_unique<ShadowTable<R>>(name, capacity);
+  } catch (const Vault::TableInUseException& e) {
+    throw Vault::TableInUseException(Vel::format("shadow tables '%s' are in use by process %d",
+                                                 baseName.c_str(), int{e.holder()}),
+                                     e.holder());
+  }
+}
+
+}  // namespace
+
 VaultKeyManager::VaultKeyManager(const std::string& baseName, Capacity capacity)
     : baseName_(baseName),
-      entries_(
-          std::make_unique<ShadowTable<EntryConfig>>(mbbTableName(baseName), capacity.entries)),
-      members_(
-          std::make_unique<ShadowTable<AdtEntryConfig>>(adtTableName(baseName), capacity.members)),
-      groups_(std::make_unique<ShadowTable<SelGrpEntryConfig>>(selGrpTableName(baseName),
-                                                               capacity.groups)) {
+      entries_(writerOf<EntryConfig>(baseName, mbbTableName(baseName), capacity.entries)),
+      members_(writerOf<AdtEntryConfig>(baseName, adtTableName(baseName), capacity.members)),
+      groups_(writerOf<SelGrpEntryConfig>(baseName, selGrpTableName(baseName), capacity.groups)) {
   keyCountIs(entries_->largestKey(isEntryKey));
   // A restarted agent binds about one key per record it finds.
   keys_.reserve(entries_->size());

@@ -63,10 +63,13 @@ class VaultKeyManager : public Vel::PtrInterface {
   using Capacity = ShadowCapacity;
 
   VaultKeyManager();
-  // Creates or re-attaches to the shadow tables of `baseName` ("/x" or "x").
-  // Throws Vel::RangeException for a bad name, a table that cannot be opened
-  // or that was made with another capacity; Quill::CorruptionDetectedException
-  // for a table whose header is damaged.
+  // Creates or re-attaches to the shadow tables of `baseName` ("/x" or "x"),
+  // and holds them for writing for its whole life. Throws
+  // Vault::TableInUseException ("shadow tables 'x' are in use by process N")
+  // when another key manager holds them, Vel::RangeException for a bad name,
+  // a table that cannot be opened, that another user made or that was made
+  // with another capacity; Quill::CorruptionDetectedException for a table
+  // whose header is damaged.
   explicit VaultKeyManager(const std::string& baseName, Capacity capacity = Capacity());
   ~VaultKeyManager() override;
 

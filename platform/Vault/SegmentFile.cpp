@@ -7,25 +7,86 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <sstream>
+#include <string>
 
+#include "Vault/TableInUseException.h"
 #include "Vel/Format.h"
 #include "Vel/RangeException.h"
 
 namespace Vault {
 
-SegmentFile::SegmentFile(const std::string& name)
-    : name_(SharedSegment::fullName(name)), fd_(shm_open(name_.c_str(), O_RDWR | O_CREAT, 0600)) {
-  if (fd_ < 0) {
-    fail("open");
+namespace {
+
+constexpr mode_t kSegmentMode = 0600;
+constexpr mode_t kPermissionBits = 07777;
+
+// The process that holds a lock on the file of `status`, as the kernel's lock
+// list tells it; 0 when it cannot be told.
+pid_t lockHolder(const struct stat& status) {
+  std::ifstream locks("/proc/locks");
+  const std::string inode = ":" + std::to_string(status.st_ino);
+  for (std::string line; std::getline(locks, line);) {
+    std::istringstream fields(line);
+    std::string number, kind, mode, access, pid, file;
+    fields >> number >> kind >> mode >> access >> pid >> file;
+    if (kind == "FLOCK" && file.size() > inode.size() &&
+        file.compare(file.size() - inode.size(), inode.size(), inode) == 0)
+      return static_cast<pid_t>(std::strtol(pid.c_str(), nullptr, 10));
   }
-  while (flock(fd_, LOCK_EX) != 0) {
-    if (errno != EINTR) {
-      int error = errno;
-      close(fd_);
-      errno = error;
-      fail("lock");
+  return 0;
+}
+
+}  // namespace
+
+SegmentFile::SegmentFile(const std::string& name) : name_(SharedSegment::fullName(name)), fd_(-1) {
+  open();
+  try {
+    checkOwnership();
+    lock();
+  } catch (...) {
+    close(fd_);
+    throw;
+  }
+}
+
+void SegmentFile::open() {
+  // Made here, or else opened as it is; never through a link.
+  fd_ = shm_open(name_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, kSegmentMode);
+  if (fd_ < 0 && errno == EEXIST)
+    fd_ = shm_open(name_.c_str(), O_RDWR | O_NOFOLLOW, 0);
+  if (fd_ < 0)
+    fail("open");
+}
+
+void SegmentFile::checkOwnership() const {
+  struct stat status;
+  if (fstat(fd_, &status) != 0)
+    fail("inspect");
+  if (!S_ISREG(status.st_mode) || status.st_uid != geteuid() ||
+      (status.st_mode & kPermissionBits) != kSegmentMode) {
+    Vel::throwRangeException(Vel::format(
+        "Vault table %s is not a segment of this user with mode 0600 (owner %u, mode %04o): "
+        "refused",
+        name_.c_str(), static_cast<unsigned>(status.st_uid),
+        static_cast<unsigned>(status.st_mode & kPermissionBits)));
+  }
+}
+
+void SegmentFile::lock() {
+  while (flock(fd_, LOCK_EX | LOCK_NB) != 0) {
+    if (errno == EWOULDBLOCK) {
+      struct stat status;
+      const pid_t holder = fstat(fd_, &status) == 0 ? lockHolder(status) : 0;
+      throw TableInUseException(
+          Vel::format("Vault table %s is in use by process %d", name_.c_str(), int{holder}),
+          holder);
     }
+    if (errno != EINTR)
+      fail("lock");
   }
 }
 

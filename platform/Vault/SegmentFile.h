@@ -8,12 +8,15 @@
 
 namespace Vault {
 
-// A segment opened for writing (created with mode 0600 when missing) and held
-// under an exclusive file lock while its writer makes or checks the table, so
-// two processes never make one table at once.
+// A segment opened for writing (made with mode 0600 when missing) and held
+// under an exclusive file lock for as long as the object lives: its table has
+// one writer at a time. The segment must be a regular file of this user with
+// mode 0600; anything else is refused, not adopted.
 class SegmentFile {
  public:
-  // Throws Vel::RangeException when the segment cannot be opened.
+  // Throws TableInUseException at once when another writer holds the segment
+  // (naming its process), Vel::RangeException when the segment cannot be
+  // opened or is not one this user made.
   explicit SegmentFile(const std::string& name);
   ~SegmentFile();
   SegmentFile(const SegmentFile&) = delete;
@@ -27,6 +30,9 @@ class SegmentFile {
 
  private:
   [[noreturn]] void fail(const char* what) const;
+  void open();
+  void checkOwnership() const;
+  void lock();
 
   std::string name_;
   int fd_;

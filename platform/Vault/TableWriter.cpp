@@ -21,9 +21,14 @@ TableWriter::TableWriter(const std::string& name, std::uint32_t recordType,
                                          view_.name().c_str(), capacity, recordSize));
   }
   layout_ = *layout;
-  SegmentFile file(name);
-  attach(file, recordType, capacity);
+  file_ = std::make_unique<SegmentFile>(name);
+  attach(*file_, recordType, capacity);
   recover();
+}
+
+// The mapping goes before the file, whose lock it then lets go.
+TableWriter::~TableWriter() {
+  segment_.reset();
 }
 
 void TableWriter::attach(const SegmentFile& file, std::uint32_t recordType,

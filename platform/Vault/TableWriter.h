@@ -21,6 +21,10 @@ namespace Vault {
 // a new record is written into a free slot (or into the copy of its slot that
 // is not live) and published by one atomic store of the slot's control word.
 //
+// A table has one writer at a time: the writer holds its segment's lock for
+// its whole life, and a second writer is refused at once with
+// TableInUseException (naming the process that holds it).
+//
 // Errors: a bad name, a segment that cannot be opened, dimensions out of range,
 // a table of other dimensions under the name, or a full table raise
 // Vel::RangeException; a damaged header raises Quill::CorruptionDetectedException.
@@ -30,6 +34,9 @@ class TableWriter {
 
   TableWriter(const std::string& name, std::uint32_t recordType, std::uint32_t recordSize,
               std::uint32_t capacity);
+  ~TableWriter();
+  TableWriter(const TableWriter&) = delete;
+  TableWriter& operator=(const TableWriter&) = delete;
 
   // Removes a table's name; true when it existed.
   static bool unlink(const std::string& name) { return SharedSegment::unlink(name); }
@@ -87,6 +94,8 @@ class TableWriter {
     }
   }
 
+  // Held for the writer's life: its lock keeps other writers out.
+  std::unique_ptr<class SegmentFile> file_;
   std::unique_ptr<SharedSegment> segment_;
   TableLayout layout_{};
   TableView view_;

@@ -95,6 +95,18 @@ TEST_F(AgentStartTest, ARestartRemovesMembersAndGroupsThatNoRecordNames) {
   EXPECT_EQ(contents.groups.size(), 1u);
 }
 
+TEST_F(AgentStartTest, ASecondAgentOnTheSameShadowTablesIsRefusedAtOnce) {
+  startAgent();
+  const std::string chipBefore = chipDump() + chipTool("log").output;
+  // Refused before it makes its socket: the first agent keeps serving on it.
+  const Outcome refused = runAgentToEnd();
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.output, "mirrorlag-agent: shadow tables '" + shadowName +
+                                "' are in use by process " + std::to_string(agent) + "\n");
+  EXPECT_EQ(chipDump() + chipTool("log").output, chipBefore);
+  EXPECT_EQ(ctl("check").status, 0);
+}
+
 TEST_F(AgentStartTest, ABadCommandLineIsRefusedWithStatus2) {
   const Outcome refused = runAgentToEnd({"--device", "300"});
   EXPECT_EQ(refused.status, 2);

@@ -53,6 +53,17 @@ Vel::Ptr<VaultKeyManager> ShadowChipTest::attachManager() const {
   return Vel::allocate<VaultKeyManager>(base.str(), capacity);
 }
 
+void ShadowChipTest::releaseManager() {
+  pd = nullptr;
+  manager = nullptr;
+}
+
+void ShadowChipTest::reattachManager() {
+  releaseManager();
+  manager = attachManager();
+  pd = pdFor(manager);
+}
+
 Vel::Ptr<PdIntf> ShadowChipTest::pdFor(const Vel::Ptr<VaultKeyManager>& keys) const {
   auto intf = Vel::allocate<PdIntf>("libchipsim.so", chipHandle, kSession);
   intf->vaultKeyManagerIs(keys);

@@ -40,6 +40,12 @@ class ShadowChipTest : public testing::Test {
 
   // A new manager on the test's tables, as a restarted process makes it.
   Vel::Ptr<VaultKeyManager> attachManager() const;
+  // Lets the fixture's manager (and the interface object bound to it) go, so
+  // that another process can hold the shadow tables for writing.
+  void releaseManager();
+  // A new manager on the tables and an interface object bound to it, as a
+  // restarted process makes them.
+  void reattachManager();
   // A PD interface object on the chip's library, recording into `manager` (may be null).
   Vel::Ptr<PdIntf> pdFor(const Vel::Ptr<VaultKeyManager>& manager) const;
 

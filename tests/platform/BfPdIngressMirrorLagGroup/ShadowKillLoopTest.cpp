@@ -36,8 +36,7 @@ class ShadowKillLoopTest : public ShadowChipTest {
   void SetUp() override {
     ShadowChipTest::SetUp();
     useNamedChip();
-    manager = attachManager();
-    pd = pdFor(manager);
+    reattachManager();
   }
 
   // A child that programs at random until it is killed (or has made its calls).
@@ -104,6 +103,7 @@ TEST_F(ShadowKillLoopTest, EveryDeathIsReconciledAgainstTheChip) {
   for (std::uint32_t round = 0; kills < wanted && round < 4 * wanted && !HasFailure(); ++round) {
     const auto killer = static_cast<Killer>(random() % 4);
     const unsigned countdown = 1 + random() % 200;
+    releaseManager();
     pid_t child = startChild(killer, countdown, random());
     if (killer == Killer::timer) {
       usleep(random() % 20000);
@@ -111,7 +111,7 @@ TEST_F(ShadowKillLoopTest, EveryDeathIsReconciledAgainstTheChip) {
     }
     kills += killed(child) ? 1 : 0;
 
-    manager = attachManager();
+    reattachManager();
     const ShadowReconciliation done = ShadowReconciler(*manager, *pd, 0).reconcile();
     EXPECT_EQ(done.unsettled, 0u) << "round " << round;
     settled.completed += done.completed;

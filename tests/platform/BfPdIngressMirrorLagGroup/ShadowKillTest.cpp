@@ -112,8 +112,7 @@ class ShadowKillTest : public ShadowChipTest,
   void SetUp() override {
     ShadowChipTest::SetUp();
     useNamedChip();
-    manager = attachManager();
-    pd = pdFor(manager);
+    reattachManager();
     member = addMember(1, 10);
     unusedMember = addMember(2, 20);
     group = createGroup(1, 4);
@@ -200,9 +199,10 @@ TEST_P(ShadowKillTest, ReconciliationLeavesRecordsThatMatchTheChip) {
   const std::size_t records = recordCount(*manager);
   ASSERT_EQ(expectRecordsMatchChip(*manager), 0u);
 
+  releaseManager();
   ASSERT_EQ(makeAndDie(), -SIGKILL);
 
-  manager = attachManager();
+  reattachManager();
   const ShadowReconciliation done = ShadowReconciler(*manager, *pd, 0).reconcile();
   EXPECT_EQ(done.total(), 1u);
   EXPECT_EQ(done.unsettled, 0u);

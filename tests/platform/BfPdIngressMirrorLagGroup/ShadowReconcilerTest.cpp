@@ -319,7 +319,7 @@ TEST_F(ShadowReconcilerTest, ReadersSeeTheSettledRecordsOnly) {
   std::uint32_t entry = chipAddEntry(5, member);
   reconcile();
   // A manager attached afterwards, as the restarted table's factory reads it.
-  manager = attachManager();
+  reattachManager();
   EXPECT_EQ(entryRecords(), std::vector<EntryConfig>{entryIntent(key, 5, entry)});
   EXPECT_EQ(intents(), 0u);
 }

@@ -8,7 +8,9 @@
 #include "MbbVaultKey/VaultKeyManager.h"
 #include "Quill/CorruptionDetectedException.h"
 #include "Vault/MbbPostcodef/ShadowOp.h"
+#include "Vault/ReadOnlyVaultTable.h"
 #include "Vault/SlotCopy.h"
+#include "Vault/TableInUseException.h"
 #include "Vault/TableLayout.h"
 #include "Vel/Allocate.h"
 #include "Vel/OperationNotSupportedException.h"
@@ -131,17 +133,42 @@ TEST_F(SharedShadowTablesTest, ASecondProcessSeesTheRecordsOfTheFirst) {
   EXPECT_EQ(manager->anonId(manager->memberShadow()->records().front().key()), 7u);
 }
 
-TEST_F(SharedShadowTablesTest, TheFirstProcessSeesWhatASecondOneWroteMeanwhile) {
-  auto reader = attach();
+TEST_F(SharedShadowTablesTest, AReaderSeesWhatAWriterInAnotherProcessWrote) {
+  const auto reader = Vel::allocate<Vault::ReadOnlyVaultTable<AdtEntryConfig>>(
+      VaultKeyManager::adtTableName(base.str()));
   ASSERT_EQ(inChild([&] {
-              // The parent's manager is not writing: the child takes the tables over.
               auto manager = attach();
               manager->memberShadow()->recordIs(memberRecord(2, 20));
               return 0;
             }),
             0);
-  EXPECT_EQ(shadow_test::walkShadow(reader->adtVaultTableConfig()).records,
+  EXPECT_EQ(shadow_test::walkShadow(Vel::Ptr<Vault::VaultBase<AdtEntryConfig>>(reader)).records,
             std::vector<AdtEntryConfig>{memberRecord(2, 20)});
+}
+
+TEST_F(SharedShadowTablesTest, ASecondManagerIsRefusedAtOnceWhileTheFirstLives) {
+  auto manager = attach();
+  manager->memberShadow()->recordIs(memberRecord(2, 20));
+  const std::string expected =
+      "shadow tables '" + base.str() + "' are in use by process " + std::to_string(getpid());
+  EXPECT_EQ(inChild([&] {
+              try {
+                attach();
+              } catch (const Vault::TableInUseException& e) {
+                return e.message() == expected && e.holder() == getppid() ? 0 : 2;
+              }
+              return 1;
+            }),
+            0);
+  try {
+    attach();
+    ADD_FAILURE() << "a second manager in the same process was let in";
+  } catch (const Vault::TableInUseException& e) {
+    EXPECT_EQ(e.message(), expected);
+  }
+  EXPECT_EQ(manager->memberShadow()->records(), std::vector<AdtEntryConfig>{memberRecord(2, 20)});
+  manager = nullptr;
+  EXPECT_EQ(attach()->memberShadow()->records(), std::vector<AdtEntryConfig>{memberRecord(2, 20)});
 }
 
 TEST_F(SharedShadowTablesTest, AttachingCountsKeysAboveTheLargestEntryRecord) {

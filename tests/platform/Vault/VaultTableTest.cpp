@@ -3,10 +3,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
+#include <memory>
+
 #include "RawSegment.h"
 #include "ScratchName.h"
 #include "TestRecord.h"
 #include "Vault/ReadOnlyVaultTable.h"
+#include "Vault/TableInUseException.h"
 #include "Vault/VaultTable.h"
 #include "Vel/RangeException.h"
 #include "WalkResult.h"
@@ -95,7 +100,7 @@ TEST(VaultTableTest, FullTableRefusesANewKeyButTakesAReplace) {
 
 TEST(VaultTableTest, ReattachingWithOtherDimensionsIsRefused) {
   ScratchName name;
-  Table table(name.str(), 4);
+  Table(name.str(), 4).write({5, 50, 500});
   try {
     Table other(name.str(), 8);
     FAIL() << "no exception";
@@ -147,33 +152,114 @@ TEST(VaultTableTest, WriterCountsAndAnchorFollowTheChanges) {
   EXPECT_EQ(table.cleanup(), 0u);
 }
 
-// A second process attaches to the table by name, reads what the first wrote
-// and adds its own record; the first then sees it.
-TEST(VaultTableTest, SecondProcessReattachesReadsAndWrites) {
-  ScratchName name;
-  Table table(name.str(), 4);
-  table.write({5, 50, 500});
-  table.write({9, 90, 900});
-  pid_t child = fork();
-  ASSERT_GE(child, 0);
+// Runs `body` in a child process, which exits with what it returns (3 when it throws).
+template <class Body>
+int inChild(Body body) {
+  const pid_t child = fork();
   if (child == 0) {
-    int status = 1;
+    int status = 3;
     try {
-      Table again(name.str(), 4);
-      bool same = walk<TestRecord>(again).records == records({{5, 50, 500}, {9, 90, 900}});
-      again.write({7, 70, 700});
-      status = same && again.recordCount() == 3 ? 0 : 2;
+      status = body();
     } catch (...) {
-      status = 3;
     }
     _exit(status);
   }
   int status = 0;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  ASSERT_TRUE(WIFEXITED(status));
-  EXPECT_EQ(WEXITSTATUS(status), 0);
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// A second process attaches to the table by name once the first writer is
+// gone, reads what it wrote and adds its own record; a reader of the first
+// process then sees it.
+TEST(VaultTableTest, SecondProcessReattachesReadsAndWrites) {
+  ScratchName name;
+  {
+    Table table(name.str(), 4);
+    table.write({5, 50, 500});
+    table.write({9, 90, 900});
+  }
   Reader reader(name.str());
+  EXPECT_EQ(
+      inChild([&] {
+        Table again(name.str(), 4);
+        const bool same = walk<TestRecord>(again).records == records({{5, 50, 500}, {9, 90, 900}});
+        again.write({7, 70, 700});
+        return same && again.recordCount() == 3 ? 0 : 2;
+      }),
+      0);
   EXPECT_EQ(walk<TestRecord>(reader).records, records({{5, 50, 500}, {9, 90, 900}, {7, 70, 700}}));
+}
+
+// A table has one writer at a time, for the writer's whole life: another
+// process is refused at once, told which process holds the table, and
+// writes nothing; once the writer is gone, the table can be written again.
+TEST(VaultTableTest, ASecondWriterIsRefusedAtOnceWithTheHoldersProcess) {
+  ScratchName name;
+  auto table = std::make_unique<Table>(name.str(), 4);
+  table->write({5, 50, 500});
+  const std::string expected =
+      "Vault table " + name.str() + " is in use by process " + std::to_string(getpid());
+  EXPECT_EQ(inChild([&] {
+              try {
+                Table again(name.str(), 4);
+              } catch (const Vault::TableInUseException& e) {
+                return e.message() == expected && e.holder() == getppid() ? 0 : 2;
+              }
+              return 1;
+            }),
+            0);
+  EXPECT_EQ(walk<TestRecord>(*table).records, records({{5, 50, 500}}));
+  table.reset();
+  EXPECT_EQ(inChild([&] {
+              Table(name.str(), 4).write({7, 70, 700});
+              return 0;
+            }),
+            0);
+}
+
+// Only a regular file of this user with mode 0600 is adopted as a table.
+TEST(VaultTableTest, ASegmentOfAnotherModeOrUserOrALinkIsRefused) {
+  ScratchName name;
+  Table(name.str(), 4).write({5, 50, 500});
+  const std::string file = "/dev/shm" + name.str();
+  ASSERT_EQ(chmod(file.c_str(), 0644), 0);
+  try {
+    Table again(name.str(), 4);
+    ADD_FAILURE() << "a segment of mode 0644 was adopted";
+  } catch (const Vel::RangeException& e) {
+    EXPECT_EQ(e.message(), "Vault table " + name.str() +
+                               " is not a segment of this user with mode 0600 (owner " +
+                               std::to_string(geteuid()) + ", mode 0644): refused");
+  }
+  ASSERT_EQ(chmod(file.c_str(), 0600), 0);
+  if (geteuid() == 0) {
+    constexpr uid_t kOtherUser = 1;
+    ASSERT_EQ(chown(file.c_str(), kOtherUser, kOtherUser), 0);
+    try {
+      Table again(name.str(), 4);
+      ADD_FAILURE() << "a segment of another user was adopted";
+    } catch (const Vel::RangeException& e) {
+      EXPECT_EQ(e.message(), "Vault table " + name.str() +
+                                 " is not a segment of this user with mode 0600 (owner 1, mode "
+                                 "0600): refused");
+    }
+  }
+  ScratchName link;
+  ASSERT_EQ(symlink(file.c_str(), ("/dev/shm" + link.str()).c_str()), 0);
+  try {
+    Table again(link.str(), 4);
+    ADD_FAILURE() << "a link was followed";
+  } catch (const Vel::RangeException& e) {
+    EXPECT_EQ(e.message(), "cannot open Vault table " + link.str() + ": " + std::strerror(ELOOP));
+  }
+}
+
+// Two writers in one process are two writers too.
+TEST(VaultTableTest, ASecondWriterInTheSameProcessIsRefused) {
+  ScratchName name;
+  Table table(name.str(), 4);
+  EXPECT_THROW(Table(name.str(), 4), Vault::TableInUseException);
 }
 
 }  // namespace
