@@ -22,7 +22,6 @@ namespace Vault {
 namespace {
 
 constexpr mode_t kSegmentMode = 0600;
-constexpr mode_t kPermissionBits = 07777;
 
 // The process that holds a lock on the file of `status`, as the kernel's lock
 // list tells it; 0 when it cannot be told.
@@ -45,7 +44,7 @@ pid_t lockHolder(const struct stat& status) {
 SegmentFile::SegmentFile(const std::string& name) : name_(SharedSegment::fullName(name)), fd_(-1) {
   open();
   try {
-    checkOwnership();
+    SharedSegment::checkOwnership(fd_, name_);
     lock();
   } catch (...) {
     close(fd_);
@@ -60,20 +59,6 @@ void SegmentFile::open() {
     fd_ = shm_open(name_.c_str(), O_RDWR | O_NOFOLLOW, 0);
   if (fd_ < 0)
     fail("open");
-}
-
-void SegmentFile::checkOwnership() const {
-  struct stat status;
-  if (fstat(fd_, &status) != 0)
-    fail("inspect");
-  if (!S_ISREG(status.st_mode) || status.st_uid != geteuid() ||
-      (status.st_mode & kPermissionBits) != kSegmentMode) {
-    Vel::throwRangeException(Vel::format(
-        "Vault table %s is not a segment of this user with mode 0600 (owner %u, mode %04o): "
-        "refused",
-        name_.c_str(), static_cast<unsigned>(status.st_uid),
-        static_cast<unsigned>(status.st_mode & kPermissionBits)));
-  }
 }
 
 void SegmentFile::lock() {

@@ -31,7 +31,6 @@ class SegmentFile {
  private:
   [[noreturn]] void fail(const char* what) const;
   void open();
-  void checkOwnership() const;
   void lock();
 
   std::string name_;

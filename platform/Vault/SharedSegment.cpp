@@ -45,15 +45,39 @@ std::string SharedSegment::fullName(const std::string& name) {
   return full;
 }
 
+void SharedSegment::checkOwnership(int fd, const std::string& fullName) {
+  constexpr mode_t kSegmentMode = 0600;
+  constexpr mode_t kPermissionBits = 07777;
+  struct stat status;
+  if (fstat(fd, &status) != 0) {
+    Vel::throwRangeException(
+        Vel::format("cannot inspect Vault table %s: %s", fullName.c_str(), std::strerror(errno)));
+  }
+  if (!S_ISREG(status.st_mode) || status.st_uid != geteuid() ||
+      (status.st_mode & kPermissionBits) != kSegmentMode) {
+    Vel::throwRangeException(Vel::format(
+        "Vault table %s is not a segment of this user with mode 0600 (owner %u, mode %04o): "
+        "refused",
+        fullName.c_str(), static_cast<unsigned>(status.st_uid),
+        static_cast<unsigned>(status.st_mode & kPermissionBits)));
+  }
+}
+
 std::unique_ptr<SharedSegment> SharedSegment::openReadOnly(const std::string& name) {
   std::string full = fullName(name);
-  int fd = shm_open(full.c_str(), O_RDONLY, 0);
+  int fd = shm_open(full.c_str(), O_RDONLY | O_NOFOLLOW, 0);
   if (fd < 0) {
     if (errno == ENOENT) {
       return nullptr;
     }
     Vel::throwRangeException(
         Vel::format("cannot open Vault table %s: %s", full.c_str(), std::strerror(errno)));
+  }
+  try {
+    checkOwnership(fd, full);
+  } catch (...) {
+    close(fd);
+    throw;
   }
   struct stat status;
   std::byte* base = nullptr;

@@ -9,7 +9,8 @@ namespace Vault {
 
 // A named POSIX shared-memory segment mapped into this process: read-only for
 // readers (PROT_READ), read-write for the table's writer. Segments are made
-// with mode 0600.
+// with mode 0600, opened without following a link, and used only when they
+// are regular files of this user with that mode.
 class SharedSegment {
  public:
   ~SharedSegment();
@@ -27,6 +28,10 @@ class SharedSegment {
 
   // Removes the name; true when it existed.
   static bool unlink(const std::string& name);
+
+  // Throws Vel::RangeException unless the open segment `fd` is a regular file
+  // of this user with mode 0600: a segment made by anyone else is not trusted.
+  static void checkOwnership(int fd, const std::string& fullName);
 
   const std::byte* bytes() const noexcept { return base_; }
   std::byte* writableBytes() const noexcept { return writable_ ? base_ : nullptr; }

@@ -232,6 +232,9 @@ TEST(VaultTableTest, ASegmentOfAnotherModeOrUserOrALinkIsRefused) {
                                " is not a segment of this user with mode 0600 (owner " +
                                std::to_string(geteuid()) + ", mode 0644): refused");
   }
+  // Readers too.
+  Reader reader(name.str());
+  EXPECT_THROW(walk<TestRecord>(reader), Vel::RangeException);
   ASSERT_EQ(chmod(file.c_str(), 0600), 0);
   if (geteuid() == 0) {
     constexpr uid_t kOtherUser = 1;
