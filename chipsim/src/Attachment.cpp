@@ -9,6 +9,17 @@ Attachment& Attachment::instance() {
   return attachment;
 }
 
+std::string& Attachment::lastFault() {
+  thread_local std::string fault;
+  return fault;
+}
+
+int Attachment::damaged(const std::string& fault) {
+  lastFault() = "chip '" + segment_->name().substr(segment_->name()[0] == '/' ? 1 : 0) +
+                "' is damaged: " + fault;
+  return EUCLEAN;
+}
+
 Attachment::Attachment() {
   chipsim_config_default(&config_);
 }

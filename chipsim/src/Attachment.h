@@ -26,7 +26,10 @@ class Attachment {
   std::string name();
 
   // Runs f(chip) on the process's chip under the chip's lock. 0, or the errno
-  // value telling why no chip could be had or locked.
+  // value telling why no chip could be had or locked (ETIMEDOUT: another
+  // process held the lock too long), or EUCLEAN when the chip is damaged:
+  // its header before the call, or what the call found on its way (whose
+  // changes are then taken back). lastFault() then says what.
   template <class F>
   int use(F&& f) {
     if (int error = ensureChip()) {
@@ -38,16 +41,31 @@ class Attachment {
     }
     ChipLock lock(*chip_);
     if (lock.error() != 0) {
+      lastFault() = lock.fault();
       return lock.error();
     }
+    if (std::optional<std::string> fault = chip_->headerFault()) {
+      return damaged(*fault);
+    }
     f(*chip_);
+    if (chip_->damage().fault()) {
+      chip_->journal().rollback();
+      const std::string fault = *chip_->damage().fault();
+      chip_->damage().clear();
+      return damaged(fault);
+    }
     return 0;
   }
+
+  // What the calling thread's last failed use() found.
+  static std::string& lastFault();
 
  private:
   Attachment();
 
   int ensureChip();
+  // Records "chip 'x' is damaged: fault" as the last fault; EUCLEAN.
+  int damaged(const std::string& fault);
   // Replaces the chip by that of `segment`; the caller holds mutex_ exclusively.
   void adopt(std::unique_ptr<Segment> segment);
 

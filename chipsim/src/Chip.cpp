@@ -3,6 +3,8 @@
 #include <atomic>
 #include <cerrno>
 #include <cstring>
+#include <string>
+#include <tuple>
 
 #include "EntryRecord.h"
 #include "GroupRecord.h"
@@ -36,14 +38,15 @@ void initMutex(pthread_mutex_t& mutex) noexcept {
 Chip::Chip(std::byte* base) noexcept
     : base_(base),
       header_(*reinterpret_cast<ChipHeader*>(base)),
+      config_(header_.config),
       layout_(layoutOf(header_)),
       journal_(base, layout_.size, header_.journalCount, at<JournalRecord>(layout_.journal),
                layout_.journalCapacity),
       members_(header_, journal_, at<MemberRecord>(layout_.members)),
       groups_(header_, journal_, at<GroupRecord>(layout_.groups), at<GroupSlot>(layout_.groupSlots),
               members_),
-      table_(header_, journal_, at<EntryRecord>(layout_.entries), at<uint32_t>(layout_.keyIndex),
-             members_, groups_),
+      table_(header_, journal_, damage_, at<EntryRecord>(layout_.entries),
+             at<uint32_t>(layout_.keyIndex), members_, groups_),
       log_(header_, journal_, at<LogRecord>(layout_.logRecords)),
       calls_(header_, journal_) {}
 
@@ -92,6 +95,64 @@ void Chip::recover() noexcept {
   } else {
     journal_.rollback();
   }
+}
+
+namespace {
+
+// The first fault of a pool's counts, whose slots number `capacity`.
+std::optional<std::string> poolFault(const char* what, const ChipHeader::Pool& pool,
+                                     uint32_t capacity) {
+  const std::string name = what;
+  if (pool.watermark > capacity || pool.used > pool.watermark) {
+    return name + ": " + std::to_string(pool.used) + " used of " + std::to_string(pool.watermark) +
+           " handed out, " + std::to_string(capacity) + " slots";
+  }
+  if (pool.freeHead > pool.watermark || pool.freeTail > pool.watermark ||
+      (pool.freeHead == 0) != (pool.freeTail == 0)) {
+    return name + ": free list from slot " + std::to_string(pool.freeHead) + " to " +
+           std::to_string(pool.freeTail) + " of " + std::to_string(pool.watermark);
+  }
+  return std::nullopt;
+}
+
+// Calls of a PD function counted past this many come from outside.
+constexpr uint64_t kMostCalls = uint64_t{1} << 62;
+
+}  // namespace
+
+std::optional<std::string> Chip::headerFault() const {
+  if (header_.magic != ChipHeader::kMagic || header_.version != ChipHeader::kVersion ||
+      header_.headerSize != sizeof(ChipHeader) || header_.segmentSize != layout_.size) {
+    return "its header is not a chip's";
+  }
+  if (std::memcmp(&header_.config, &config_, sizeof config_) != 0) {
+    return "its make-up changed since it was made";
+  }
+  for (auto [what, pool, capacity] : {std::tuple("entries", &header_.entries, config_.entries),
+                                      std::tuple("members", &header_.members, config_.members),
+                                      std::tuple("groups", &header_.groups, config_.groups)}) {
+    if (auto fault = poolFault(what, *pool, capacity)) {
+      return fault;
+    }
+  }
+  if (header_.logCount > config_.log_lines || header_.logHead > config_.log_lines) {
+    return "the call log holds " + std::to_string(header_.logCount) + " lines from line " +
+           std::to_string(header_.logHead) + ", of " + std::to_string(config_.log_lines);
+  }
+  if (header_.journalCount != 0 || header_.resetting > 1) {
+    return "a call left " + std::to_string(header_.journalCount) + " changes unfinished";
+  }
+  if (header_.entryScope != P4_PD_ENTRY_SCOPE_ALL_PIPES &&
+      header_.entryScope != P4_PD_ENTRY_SCOPE_SINGLE_PIPE) {
+    return "bad entry scope " + std::to_string(header_.entryScope);
+  }
+  for (std::size_t i = 0; i < kPdFunctionCount; ++i) {
+    if (header_.functions[i].calls > kMostCalls) {
+      return std::string(pdFunctionName(static_cast<PdFunction>(i))) + " counted " +
+             std::to_string(header_.functions[i].calls) + " calls";
+    }
+  }
+  return std::nullopt;
 }
 
 bool Chip::selectorOf(const EntryRecord& entry, uint32_t hash, uint16_t* selector) const noexcept {

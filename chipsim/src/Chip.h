@@ -2,9 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string>
 
 #include "CallControl.h"
 #include "CallLog.h"
+#include "ChipDamage.h"
 #include "ChipHeader.h"
 #include "GroupTable.h"
 #include "Journal.h"
@@ -36,6 +39,14 @@ class Chip {
   // Brings the chip back to a coherent state after a holder of its lock died.
   void recover() noexcept;
 
+  // The first fault of the chip's header and counts that a call would trust
+  // (its make-up, the pools' counts and free-list ends, the call log's ring,
+  // the journal, the call counts), checked in constant time before each call;
+  // nothing when they are sound. ChipChecker checks the records too.
+  std::optional<std::string> headerFault() const;
+  // What the running call found damaged on its way (see ChipDamage).
+  ChipDamage& damage() noexcept { return damage_; }
+
   ChipHeader& header() const noexcept { return header_; }
   const chipsim_config& config() const noexcept { return header_.config; }
   Journal& journal() noexcept { return journal_; }
@@ -65,7 +76,10 @@ class Chip {
 
   std::byte* base_;
   ChipHeader& header_;
+  // The make-up as the chip was attached: the layout rests on it.
+  chipsim_config config_;
   SegmentLayout layout_;
+  ChipDamage damage_;
   Journal journal_;
   MemberTable members_;
   GroupTable groups_;

@@ -1,12 +1,41 @@
 #include "ChipLock.h"
 
 #include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
 
 namespace chipsim {
 
-ChipLock::ChipLock(Chip& chip) noexcept : chip_(chip), error_(0) {
+namespace {
+
+// How long a call waits for the chip's lock.
+unsigned waitMilliseconds() {
+  const char* text = std::getenv("CHIPSIM_LOCK_WAIT_MS");
+  return text != nullptr ? static_cast<unsigned>(std::strtoul(text, nullptr, 10))
+                         : ChipLock::kWaitMilliseconds;
+}
+
+timespec deadlineAfter(unsigned milliseconds) {
+  constexpr long kNanosecondsPerMillisecond = 1000000;
+  constexpr long kNanosecondsPerSecond = 1000000000;
+  timespec deadline{};
+  clock_gettime(CLOCK_REALTIME, &deadline);
+  deadline.tv_sec += milliseconds / 1000;
+  deadline.tv_nsec += static_cast<long>(milliseconds % 1000) * kNanosecondsPerMillisecond;
+  if (deadline.tv_nsec >= kNanosecondsPerSecond) {
+    deadline.tv_sec += 1;
+    deadline.tv_nsec -= kNanosecondsPerSecond;
+  }
+  return deadline;
+}
+
+}  // namespace
+
+ChipLock::ChipLock(Chip& chip) noexcept : chip_(chip), error_(0), waited_(waitMilliseconds()) {
   pthread_mutex_t& mutex = chip.header().mutex;
-  error_ = pthread_mutex_lock(&mutex);
+  const timespec deadline = deadlineAfter(waited_);
+  error_ = pthread_mutex_timedlock(&mutex, &deadline);
   if (error_ == EOWNERDEAD) {
     chip_.recover();
     error_ = pthread_mutex_consistent(&mutex);
@@ -14,6 +43,20 @@ ChipLock::ChipLock(Chip& chip) noexcept : chip_(chip), error_(0) {
       pthread_mutex_unlock(&mutex);
     }
   }
+}
+
+std::string ChipLock::fault() const {
+  if (error_ == ETIMEDOUT) {
+#ifdef __GLIBC__
+    const std::string holder =
+        " (thread " + std::to_string(chip_.header().mutex.__data.__owner) + ")";
+#else
+    const std::string holder;
+#endif
+    return "the chip's lock is held by another process" + holder + ": waited " +
+           std::to_string(waited_) + " ms";
+  }
+  return std::string("cannot take the chip's lock: ") + std::strerror(error_);
 }
 
 ChipLock::~ChipLock() {

@@ -44,7 +44,8 @@ void Journal::rollback() noexcept {
   uint32_t count = count_ <= capacity_ ? count_ : 0;
   while (count > 0) {
     const JournalRecord& record = records_[--count];
-    if (record.size <= sizeof(record.oldValue) && record.offset + record.size <= size_) {
+    if (record.size <= sizeof(record.oldValue) && record.offset <= size_ &&
+        record.size <= size_ - record.offset) {
       std::memcpy(base_ + record.offset, &record.oldValue, record.size);
     }
   }

@@ -1,11 +1,15 @@
 #include "MatchTable.h"
 
+#include <string>
+
 namespace chipsim {
 
-MatchTable::MatchTable(ChipHeader& header, Journal& journal, EntryRecord* records,
-                       uint32_t* keyIndex, MemberTable& members, GroupTable& groups) noexcept
+MatchTable::MatchTable(ChipHeader& header, Journal& journal, ChipDamage& damage,
+                       EntryRecord* records, uint32_t* keyIndex, MemberTable& members,
+                       GroupTable& groups) noexcept
     : header_(header),
       journal_(journal),
+      damage_(damage),
       keyIndex_(keyIndex),
       members_(members),
       groups_(groups),
@@ -57,13 +61,24 @@ void MatchTable::unpoint(EntryRecord& entry) noexcept {
   addRef({entry.target, entry.isGroup != 0}, -1);
 }
 
+uint32_t MatchTable::follow(uint32_t link, uint16_t key, uint32_t& steps) const {
+  if (link > pool_.capacity() || ++steps > pool_.capacity()) {
+    damage_.found(
+        "the key chain of mirror session " + std::to_string(key) +
+        (link > pool_.capacity() ? " links to slot " + std::to_string(link) : " runs in a circle"));
+    return 0;
+  }
+  return link;
+}
+
 const EntryRecord* MatchTable::covering(uint32_t pipe, uint16_t key) const noexcept {
-  for (uint32_t next = keyIndex_[key]; next != 0;) {
+  uint32_t steps = 0;
+  for (uint32_t next = follow(keyIndex_[key], key, steps); next != 0;) {
     const EntryRecord& entry = pool_.at(next - 1);
     if (overlap(entry.pipe, pipe)) {
       return &entry;
     }
-    next = entry.nextSameKey;
+    next = follow(entry.nextSameKey, key, steps);
   }
   return nullptr;
 }
@@ -110,8 +125,12 @@ Status MatchTable::modify(int32_t deviceId, uint32_t handle, ActionRef action) n
 void MatchTable::unlinkKey(EntryRecord& entry) noexcept {
   uint32_t slot = pool_.slotOf(entry) + 1;
   uint32_t* link = &keyIndex_[entry.key];
-  while (*link != 0 && *link != slot) {
+  uint32_t steps = 0;
+  while (follow(*link, entry.key, steps) != 0 && *link != slot) {
     link = &pool_.at(*link - 1).nextSameKey;
+  }
+  if (damage_.fault()) {
+    return;
   }
   if (*link == slot) {
     journal_.set(*link, entry.nextSameKey);

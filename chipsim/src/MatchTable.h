@@ -3,6 +3,7 @@
 #include <Pd/KestroSwitchPd.h>
 
 #include "ActionRef.h"
+#include "ChipDamage.h"
 #include "ChipHeader.h"
 #include "EntryRecord.h"
 #include "GroupTable.h"
@@ -25,8 +26,8 @@ class MatchTable {
  public:
   using MatchSpec = p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t;
 
-  MatchTable(ChipHeader& header, Journal& journal, EntryRecord* records, uint32_t* keyIndex,
-             MemberTable& members, GroupTable& groups) noexcept;
+  MatchTable(ChipHeader& header, Journal& journal, ChipDamage& damage, EntryRecord* records,
+             uint32_t* keyIndex, MemberTable& members, GroupTable& groups) noexcept;
 
   Status add(p4_pd_device_target_t target, const MatchSpec* match, ActionRef action,
              uint32_t* handle) noexcept;
@@ -59,6 +60,9 @@ class MatchTable {
   void clearDefault() noexcept;
 
  private:
+  // The slot + 1 that follows `link` in the chain of `key`, checked: a link
+  // outside the table, or a chain longer than the table, is damage (0 then).
+  uint32_t follow(uint32_t link, uint16_t key, uint32_t& steps) const;
   EntryRecord* find(uint32_t handle) const noexcept;
   bool actionExists(ActionRef action) const noexcept;
   void addRef(ActionRef action, int delta) noexcept;
@@ -68,6 +72,7 @@ class MatchTable {
 
   ChipHeader& header_;
   Journal& journal_;
+  ChipDamage& damage_;
   uint32_t* keyIndex_;
   MemberTable& members_;
   GroupTable& groups_;
