@@ -113,7 +113,8 @@ CHIPSIM_API int chipsim_reset(void);
 
 /*
  * The next `count` calls of the PD function named `pd_function` change nothing
- * and return `status` (count 0 cancels). EINVAL for an unknown name.
+ * and return `status` (count 0 cancels). EINVAL for an unknown name, and for
+ * status 0 with a count, which is no fault.
  */
 CHIPSIM_API int chipsim_fail_next(const char* pd_function, int status, unsigned count);
 
@@ -162,6 +163,22 @@ CHIPSIM_API int chipsim_dump(FILE* out);
  * the first fault found, valid until the thread's next call.
  */
 CHIPSIM_API const char* chipsim_check(void);
+
+/*
+ * chipsim_check, telling a damaged chip from one that cannot be had: 0 when
+ * the chip is coherent; EUCLEAN when it is damaged; ETIMEDOUT when another
+ * process held its lock too long; another errno value when there is no chip.
+ * `fault` (if not NULL) gets the text of what was found, or NULL, valid until
+ * the thread's next call.
+ */
+CHIPSIM_API int chipsim_examine(const char** fault);
+
+/*
+ * What the calling thread's last call that failed with EUCLEAN (a damaged
+ * chip, chipsim_attach too) or ETIMEDOUT (a lock held too long) found; "" when
+ * there was none. Valid until the thread's next call.
+ */
+CHIPSIM_API const char* chipsim_last_fault(void);
 
 /*
  * For tests of a process that dies while it holds the chip: takes the chip's

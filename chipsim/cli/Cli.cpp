@@ -120,7 +120,21 @@ int Cli::dispatch(const std::string& command, const std::vector<std::string>& op
     return usageError(command + " takes no arguments");
   }
   if (int error = chipsim_attach_existing(chip_.c_str())) {
+    if (error == EUCLEAN) {
+      return failure("chip '" + chip_ + "' is damaged: " + chipsim_last_fault());
+    }
     return failure("cannot attach to chip '" + chip_ + "': " + std::strerror(error));
+  }
+  // A reset empties even a damaged chip; every other command needs a sound one.
+  if (command != "reset") {
+    const char* fault = nullptr;
+    const int state = chipsim_examine(&fault);
+    if (state == EUCLEAN) {
+      return failure("chip '" + chip_ + "' is damaged: " + fault);
+    }
+    if (state != 0) {
+      return failure("chip '" + chip_ + "': " + fault);
+    }
   }
   if (command == "dump") {
     return dump();
@@ -170,6 +184,9 @@ int Cli::fault(const std::vector<std::string>& operands) {
       operands.size() == 3 ? number("count", operands[2], UINT32_MAX) : 1;
   if (!status || !count) {
     return kUsage;
+  }
+  if (*status == 0 && *count != 0) {
+    return usageError("status 0 is not a fault");
   }
   if (chipsim_calls(operands[0].c_str()) < 0) {
     return usageError("unknown PD function '" + operands[0] + "'");

@@ -15,8 +15,7 @@ std::string& Attachment::lastFault() {
 }
 
 int Attachment::damaged(const std::string& fault) {
-  lastFault() = "chip '" + segment_->name().substr(segment_->name()[0] == '/' ? 1 : 0) +
-                "' is damaged: " + fault;
+  lastFault() = fault;
   return EUCLEAN;
 }
 
@@ -61,8 +60,12 @@ int Attachment::ensureChip() {
 int Attachment::attach(const char* name, bool create) {
   std::unique_lock<std::shared_mutex> guard(mutex_);
   std::unique_ptr<Segment> segment;
+  std::string fault;
   int error = name == nullptr ? Segment::makePrivate(config_, segment)
-                              : Segment::open(name, create, config_, segment);
+                              : Segment::open(name, create, config_, segment, fault);
+  if (error == EUCLEAN) {
+    lastFault() = fault;
+  }
   if (error == 0) {
     adopt(std::move(segment));
   }

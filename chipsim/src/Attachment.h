@@ -45,6 +45,7 @@ class Attachment {
       return lock.error();
     }
     if (std::optional<std::string> fault = chip_->headerFault()) {
+      lock.leaveUntouched();
       return damaged(*fault);
     }
     f(*chip_);
@@ -64,7 +65,7 @@ class Attachment {
   Attachment();
 
   int ensureChip();
-  // Records "chip 'x' is damaged: fault" as the last fault; EUCLEAN.
+  // Records `fault` as the last fault; EUCLEAN.
   int damaged(const std::string& fault);
   // Replaces the chip by that of `segment`; the caller holds mutex_ exclusively.
   void adopt(std::unique_ptr<Segment> segment);

@@ -73,6 +73,26 @@ bool Chip::isChip(const std::byte* base, uint64_t size) noexcept {
          header.segmentSize == size;
 }
 
+std::optional<std::string> Chip::segmentFault(const std::byte* base, uint64_t size) {
+  if (size < sizeof(ChipHeader)) {
+    return "the segment holds " + std::to_string(size) + " bytes, less than a chip's header";
+  }
+  const auto& header = *reinterpret_cast<const ChipHeader*>(base);
+  if (header.version != ChipHeader::kVersion || header.headerSize != sizeof(ChipHeader)) {
+    return "its header is of version " + std::to_string(header.version) + ", not " +
+           std::to_string(ChipHeader::kVersion);
+  }
+  std::optional<SegmentLayout> layout = SegmentLayout::of(header.config);
+  if (!layout) {
+    return "its header holds a make-up out of range";
+  }
+  if (header.segmentSize != layout->size || size != layout->size) {
+    return "the segment holds " + std::to_string(size) + " bytes, its header says " +
+           std::to_string(header.segmentSize) + " and its make-up " + std::to_string(layout->size);
+  }
+  return std::nullopt;
+}
+
 void Chip::clear() noexcept {
   std::atomic_ref<uint32_t>(header_.resetting).store(1, std::memory_order_seq_cst);
   header_.journalCount = 0;

@@ -32,6 +32,9 @@ class Chip {
   static void format(std::byte* base, const chipsim_config& config) noexcept;
   // Whether the `size` bytes at `base` hold a chip made by format().
   static bool isChip(const std::byte* base, uint64_t size) noexcept;
+  // Why the `size` bytes at `base`, published as a chip, are not a sound one
+  // of this version; nothing when they are.
+  static std::optional<std::string> segmentFault(const std::byte* base, uint64_t size);
 
   // Empties the chip. A reset cut short by the death of its process is
   // finished by recover().

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <fstream>
+#include <string>
 
 namespace chipsim {
 
@@ -45,25 +47,35 @@ ChipLock::ChipLock(Chip& chip) noexcept : chip_(chip), error_(0), waited_(waitMi
   }
 }
 
+ChipLock::~ChipLock() {
+  if (error_ == 0) {
+    if (!untouched_) {
+      chip_.journal().commit();
+    }
+    pthread_mutex_unlock(&chip_.header().mutex);
+  }
+}
+
 std::string ChipLock::fault() const {
   if (error_ == ETIMEDOUT) {
-#ifdef __GLIBC__
-    const std::string holder =
-        " (thread " + std::to_string(chip_.header().mutex.__data.__owner) + ")";
-#else
-    const std::string holder;
-#endif
-    return "the chip's lock is held by another process" + holder + ": waited " +
-           std::to_string(waited_) + " ms";
+    return "the chip's lock is held by " + holder() + ": waited " + std::to_string(waited_) + " ms";
   }
   return std::string("cannot take the chip's lock: ") + std::strerror(error_);
 }
 
-ChipLock::~ChipLock() {
-  if (error_ == 0) {
-    chip_.journal().commit();
-    pthread_mutex_unlock(&chip_.header().mutex);
+std::string ChipLock::holder() const {
+#ifdef __GLIBC__
+  // The owner's thread id, as the C library keeps it in the mutex.
+  const pid_t thread = chip_.header().mutex.__data.__owner;
+  std::ifstream status("/proc/" + std::to_string(thread) + "/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.rfind("Tgid:", 0) == 0)
+      return "process " + std::to_string(std::strtol(line.c_str() + 5, nullptr, 10));
   }
+  return "thread " + std::to_string(thread);
+#else
+  return "another process";
+#endif
 }
 
 }  // namespace chipsim

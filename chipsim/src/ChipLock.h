@@ -24,11 +24,18 @@ class ChipLock {
   int error() const noexcept { return error_; }
   // What the failure was, in words.
   std::string fault() const;
+  // Lets the lock go without committing anything: the chip was found damaged
+  // before the call, and its journal is left as it was found.
+  void leaveUntouched() noexcept { untouched_ = true; }
 
  private:
+  // Who holds the lock: "process N", as far as can be told.
+  std::string holder() const;
+
   Chip& chip_;
   int error_;
   unsigned waited_ = 0;
+  bool untouched_ = false;
 };
 
 }  // namespace chipsim

@@ -38,6 +38,14 @@ T readChip(T fallback, F&& read) {
   return value;
 }
 
+// A look-up's result, or why the chip could not be had, locked or trusted.
+int lookup(uint32_t pipe, uint16_t session, uint32_t hash, uint16_t* selector) {
+  int result = 0;
+  const int error =
+      withChip([&](Chip& chip) { result = chip.lookup(pipe, session, hash, selector); });
+  return error != 0 ? error : result;
+}
+
 }  // namespace
 
 extern "C" {
@@ -109,7 +117,7 @@ int chipsim_reset(void) {
 
 int chipsim_fail_next(const char* pd_function, int status, unsigned count) {
   auto function = pd_function ? chipsim::pdFunctionNamed(pd_function) : std::nullopt;
-  if (!function) {
+  if (!function || (status == 0 && count != 0)) {
     return EINVAL;
   }
   return withChip([&](Chip& chip) { chip.calls().failNext(*function, status, count); });
@@ -140,13 +148,11 @@ int chipsim_lookup_on_pipe(uint32_t pipe, uint16_t session, uint32_t hash, uint1
   if (pipe == P4_PD_ALL_PIPES) {
     return EINVAL;
   }
-  return readChip<int>(ENOMEM,
-                       [&](Chip& chip) { return chip.lookup(pipe, session, hash, selector); });
+  return lookup(pipe, session, hash, selector);
 }
 
 int chipsim_lookup(uint16_t session, uint32_t hash, uint16_t* selector) {
-  return readChip<int>(
-      ENOMEM, [&](Chip& chip) { return chip.lookup(P4_PD_ALL_PIPES, session, hash, selector); });
+  return lookup(P4_PD_ALL_PIPES, session, hash, selector);
 }
 
 uint32_t chipsim_log_count(void) {
@@ -178,18 +184,34 @@ int chipsim_dump(FILE* out) {
   return withChip([&](Chip& chip) { chipsim::ChipDump(chip, name).write(out); });
 }
 
-const char* chipsim_check(void) {
-  thread_local std::string fault;
+int chipsim_examine(const char** fault) {
+  thread_local std::string text;
   std::optional<std::string> found;
   int error = withChip([&](Chip& chip) { found = chipsim::ChipChecker(chip).check(); });
-  if (error != 0) {
+  if (error == EUCLEAN || error == ETIMEDOUT) {
+    found = Attachment::lastFault();
+  } else if (error != 0) {
     found = std::string("no chip: ") + std::strerror(error);
+  } else if (found) {
+    error = EUCLEAN;
   }
-  if (!found) {
-    return nullptr;
+  if (found) {
+    text = *found;
   }
-  fault = *found;
-  return fault.c_str();
+  if (fault != nullptr) {
+    *fault = found ? text.c_str() : nullptr;
+  }
+  return error;
+}
+
+const char* chipsim_last_fault(void) {
+  return Attachment::lastFault().c_str();
+}
+
+const char* chipsim_check(void) {
+  const char* fault = nullptr;
+  chipsim_examine(&fault);
+  return fault;
 }
 
 int chipsim_hold_lock_for_test(unsigned ms, void (*locked)(void* context), void* context) {

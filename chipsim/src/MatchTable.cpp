@@ -75,6 +75,11 @@ const EntryRecord* MatchTable::covering(uint32_t pipe, uint16_t key) const noexc
   uint32_t steps = 0;
   for (uint32_t next = follow(keyIndex_[key], key, steps); next != 0;) {
     const EntryRecord& entry = pool_.at(next - 1);
+    if (!entry.inUse || entry.key != key) {
+      damage_.found("the key chain of mirror session " + std::to_string(key) +
+                    " holds an entry that is not of it");
+      return nullptr;
+    }
     if (overlap(entry.pipe, pipe)) {
       return &entry;
     }

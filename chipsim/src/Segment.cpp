@@ -88,7 +88,7 @@ int Segment::makePrivate(const chipsim_config& config, std::unique_ptr<Segment>&
 }
 
 int Segment::open(const char* name, bool create, const chipsim_config& config,
-                  std::unique_ptr<Segment>& segment) {
+                  std::unique_ptr<Segment>& segment, std::string& fault) {
   std::optional<std::string> full = segmentName(name);
   std::optional<SegmentLayout> layout = SegmentLayout::of(config);
   if (!full || !layout) {
@@ -120,8 +120,12 @@ int Segment::open(const char* name, bool create, const chipsim_config& config,
     Chip::format(base, config);
   }
   if (!Chip::isChip(base, size)) {
+    const bool ours = reinterpret_cast<const ChipHeader*>(base)->magic == ChipHeader::kMagic;
+    if (ours) {
+      fault = Chip::segmentFault(base, size).value_or("its header is not a chip's");
+    }
     munmap(base, size);
-    return EINVAL;
+    return ours ? EUCLEAN : EINVAL;
   }
   segment.reset(new Segment(base, size, *full, false));
   return 0;

@@ -23,9 +23,10 @@ class Segment {
   // The chip in the segment `name`. A segment that does not exist, or whose
   // maker died before the chip was made, gets a new chip of `config` when
   // `create` is set, and is ENOENT otherwise. EINVAL for a bad name or a
-  // segment that holds something else.
+  // segment that holds something else; EUCLEAN for a chip that is damaged,
+  // `fault` then telling how.
   static int open(const char* name, bool create, const chipsim_config& config,
-                  std::unique_ptr<Segment>& segment);
+                  std::unique_ptr<Segment>& segment, std::string& fault);
 
   static int unlink(const char* name);
 

@@ -93,6 +93,8 @@ ChipsimLibrary load() {
   loader.resolve(lib.logClear, "chipsim_log_clear");
   loader.resolve(lib.dump, "chipsim_dump");
   loader.resolve(lib.check, "chipsim_check");
+  loader.resolve(lib.examine, "chipsim_examine");
+  loader.resolve(lib.lastFault, "chipsim_last_fault");
   loader.resolve(lib.holdLockForTest, "chipsim_hold_lock_for_test");
   loader.resolve(lib.killAfterChangesForTest, "chipsim_kill_after_changes_for_test");
   return lib;

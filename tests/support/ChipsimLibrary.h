@@ -55,6 +55,8 @@ struct ChipsimLibrary {
   decltype(&chipsim_log_clear) logClear;
   decltype(&chipsim_dump) dump;
   decltype(&chipsim_check) check;
+  decltype(&chipsim_examine) examine;
+  decltype(&chipsim_last_fault) lastFault;
   decltype(&chipsim_hold_lock_for_test) holdLockForTest;
   decltype(&chipsim_kill_after_changes_for_test) killAfterChangesForTest;
 };
