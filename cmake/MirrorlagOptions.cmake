@@ -15,6 +15,12 @@ if(MIRRORLAG_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+# The fuzz build instruments every library for libFuzzer's coverage; only the
+# fuzz targets link its driver.
+if(MIRRORLAG_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # Every first-party target sees the repository root (for <chipsim/...> and
 # <BfIngressMirrorLagGroup/...>) and platform/ (for <Vel/...>, <Quill/...>).
 function(mirrorlag_target_includes target)

@@ -186,7 +186,8 @@ AgentConfig AgentConfig::fromText(const std::string& text) {
   json document;
   try {
     document = json::parse(text);
-  } catch (const json::parse_error& e) {
+  } catch (const json::exception& e) {
+    // A syntax error, or a number too large for any type.
     throw ConfigError("", std::string("not JSON: ") + e.what());
   }
   return fromJson(document);

@@ -145,6 +145,15 @@ INSTANTIATE_TEST_SUITE_P(
         BadConfig{kDefaultUnknown.c_str(), "/default/member: member 7 is not configured"},
         BadConfig{kDefaultKey.c_str(), "/default/weight: unknown key"}));
 
+TEST(AgentConfigTest, ANumberTooLargeForAnyTypeIsRefusedAsNotJson) {
+  try {
+    AgentConfig::fromText(R"({"members": [{"id": 1e999, "selector": 1}]})");
+    ADD_FAILURE() << "accepted";
+  } catch (const ConfigError& e) {
+    EXPECT_EQ(std::string(e.what()).rfind("/: not JSON: ", 0), 0u) << e.what();
+  }
+}
+
 TEST(AgentConfigTest, TextThatIsNotJsonIsRefusedAtTheTop) {
   try {
     AgentConfig::fromText("{\"members\": [");
