@@ -15,6 +15,11 @@ if(MIRRORLAG_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+if(MIRRORLAG_TSAN)
+  add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=thread)
+endif()
+
 # The fuzz build instruments every library for libFuzzer's coverage; only the
 # fuzz targets link its driver.
 if(MIRRORLAG_FUZZ)
