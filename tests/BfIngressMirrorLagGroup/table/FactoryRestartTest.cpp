@@ -51,8 +51,9 @@ TEST_F(FactoryRestartTest, ASecondProcessAdoptsTheFirstsEntriesAndOnlyModifiesTh
     auto instance = start();
     instance->apply(config);
     for (const auto& [session, handle] : instance->handlesBySession()) {
-      const std::pair<std::uint16_t, std::uint32_t> pair(session, handle);
-      if (write(fds[1], &pair, sizeof pair) != static_cast<ssize_t>(sizeof pair))
+      // Two whole words: a pair of 16 and 32 bits would send its padding too.
+      const std::uint32_t words[2] = {session, handle};
+      if (write(fds[1], words, sizeof words) != static_cast<ssize_t>(sizeof words))
         return 3;
     }
     raise(SIGKILL);
@@ -60,9 +61,9 @@ TEST_F(FactoryRestartTest, ASecondProcessAdoptsTheFirstsEntriesAndOnlyModifiesTh
   });
   close(fds[1]);
   HandlePairs firstHandles;
-  std::pair<std::uint16_t, std::uint32_t> pair;
-  while (read(fds[0], &pair, sizeof pair) == static_cast<ssize_t>(sizeof pair))
-    firstHandles.push_back(pair);
+  std::uint32_t words[2];
+  while (read(fds[0], words, sizeof words) == static_cast<ssize_t>(sizeof words))
+    firstHandles.emplace_back(static_cast<std::uint16_t>(words[0]), words[1]);
   close(fds[0]);
   ASSERT_EQ(wait(first), -SIGKILL);
   ASSERT_EQ(firstHandles.size(), config.entries.size());
