@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <set>
+
 namespace mirrorlag_agent {
 
 namespace {
@@ -18,9 +20,11 @@ std::vector<std::uint32_t> walk(First first, Next next, p4_pd_session_handle_t s
   std::vector<std::uint32_t> handles;
   if (first == nullptr || next == nullptr)
     return handles;
+  // A handle seen before ends the walk: a damaged chip could lead it round.
+  std::set<std::uint32_t> seen;
   std::uint32_t handle = 0;
-  for (pipe_status status = first(session, device, &handle); status == 0;
-       status = next(session, device, handle, &handle))
+  for (pipe_status status = first(session, device, &handle);
+       status == 0 && seen.insert(handle).second; status = next(session, device, handle, &handle))
     handles.push_back(handle);
   return handles;
 }

@@ -99,7 +99,8 @@ class SlotPool {
 
   // The handle of the live record after the one `handle` names, in slot
   // order (0: the first live record). kNotFound at the end, and for a handle
-  // that names no live record.
+  // that names no live record; kUnexpected for a record whose handle is not
+  // of its slot (a damaged chip).
   Status next(uint32_t handle, uint32_t* next) const noexcept {
     uint32_t slot = 0;
     if (handle != 0) {
@@ -111,6 +112,10 @@ class SlotPool {
     }
     for (; slot < state_.watermark && slot < capacity_; ++slot) {
       if (records_[slot].inUse) {
+        // A handle that does not name its own slot would lead the walk back.
+        if (records_[slot].handle == 0 || (records_[slot].handle - 1) % modulus_ != slot) {
+          return kUnexpected;
+        }
         *next = records_[slot].handle;
         return kSuccess;
       }

@@ -210,6 +210,18 @@ TEST_F(DamageTest, AKeyChainThatLeadsToAnotherSessionsEntryIsRefused) {
                "the key chain of mirror session 9 holds an entry that is not of it");
 }
 
+TEST_F(DamageTest, AWalkOfTheMembersNeverGoesRound) {
+  {
+    DamagedChip memory(chip.name());
+    memory.member(1).handle = 1;  // member 2's slot claims member 1's handle
+  }
+  expectToolRefuses("members: slot 1 has handle 1");
+  uint32_t handle = 0;
+  EXPECT_EQ(pd.getFirstMember(1, 0, &handle), 0);
+  EXPECT_EQ(handle, 1u);
+  EXPECT_EQ(pd.getNextMember(1, 0, handle, &handle), kUnexpected);
+}
+
 TEST_F(DamageTest, AGroupLargerThanItsSizeIsRefusedByTheTool) {
   {
     DamagedChip memory(chip.name());

@@ -35,6 +35,10 @@ chipsim::GroupRecord& DamagedChip::group(std::uint32_t slot) const {
   return at<chipsim::GroupRecord>(layout_.groups + slot * sizeof(chipsim::GroupRecord));
 }
 
+chipsim::MemberRecord& DamagedChip::member(std::uint32_t slot) const {
+  return at<chipsim::MemberRecord>(layout_.members + slot * sizeof(chipsim::MemberRecord));
+}
+
 chipsim::JournalRecord& DamagedChip::journal(std::uint32_t index) const {
   return at<chipsim::JournalRecord>(layout_.journal + index * sizeof(chipsim::JournalRecord));
 }

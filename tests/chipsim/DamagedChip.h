@@ -8,6 +8,7 @@
 #include "chipsim/src/EntryRecord.h"
 #include "chipsim/src/GroupRecord.h"
 #include "chipsim/src/JournalRecord.h"
+#include "chipsim/src/MemberRecord.h"
 #include "chipsim/src/SegmentLayout.h"
 
 namespace chipsim_test {
@@ -25,6 +26,7 @@ class DamagedChip {
   chipsim::ChipHeader& header() const { return *reinterpret_cast<chipsim::ChipHeader*>(base_); }
   chipsim::EntryRecord& entry(std::uint32_t slot) const;
   chipsim::GroupRecord& group(std::uint32_t slot) const;
+  chipsim::MemberRecord& member(std::uint32_t slot) const;
   chipsim::JournalRecord& journal(std::uint32_t index) const;
   std::uint32_t& keyChain(std::uint16_t key) const;
   // Cuts the segment to `size` bytes.

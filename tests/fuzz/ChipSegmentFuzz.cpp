@@ -27,13 +27,14 @@ namespace {
 const std::string kName = "/chipsim-fuzz-" + std::to_string(getpid());
 constexpr p4_pd_device_target_t kAllPipes{0, P4_PD_ALL_PIPES};
 constexpr std::uint32_t kSession = 1;
+constexpr int kMembers = 4;
 
 // A chip of a small make-up holding two members, a group and two entries.
 void makeChip() {
   const chipsim_config config{.device_id = 0,
                               .pipes = 2,
                               .entries = 8,
-                              .members = 4,
+                              .members = kMembers,
                               .groups = 2,
                               .max_group_size = 3,
                               .log_lines = 16};
@@ -108,12 +109,15 @@ void use() {
   p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group(kSession, 0, 1, 1);
   p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(kSession, 0, 1);
   p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member(kSession, 0, 2);
+  // A walk of the members ends within the profile's size, however damaged.
   std::uint32_t next = 0;
-  for (int status = p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member(
-           kSession, 0, &next);
-       status == 0;
-       status = p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member(kSession, 0, next,
-                                                                                &next)) {
+  int steps = 0;
+  for (int status =
+           p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member(kSession, 0, &next);
+       status == 0; status = p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member(
+                        kSession, 0, next, &next)) {
+    if (++steps > kMembers)
+      __builtin_trap();
   }
   chipsim_attach(nullptr);
 }
