@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -11,6 +12,8 @@
 #include <stdexcept>
 
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
+#include "Quill/CorruptionDetectedException.h"
+#include "Vault/MbbPostcodef/ShadowOp.h"
 #include "Vel/Allocate.h"
 #include "Vel/Exception.h"
 #include "Vel/TraceHandle.h"
@@ -155,7 +158,7 @@ AgentHost::AgentHost(const AgentOptions& options) : options_(options), state_(op
   const AgentConfig start = startConfig();
   attachChip();
   settleShadowTables();
-  makeTableAndProfile();
+  makeTableAndProfile(start);
   applyAtStart(start);
 }
 
@@ -167,8 +170,22 @@ void AgentHost::attachChip() {
   }
 }
 
+void AgentHost::openShadowTables() {
+  try {
+    keys_ = Vel::allocate<MbbVaultKey::VaultKeyManager>(options_.shadow);
+  } catch (const Quill::CorruptionDetectedException& e) {
+    // The records are lost; the chip still holds the objects, which this
+    // start finds again by reading them back, and the tables are made anew.
+    log("shadow tables '" + options_.shadow + "' are damaged (" + std::string(e.what()) +
+        "): made anew, the chip's objects found again from the chip");
+    MbbVaultKey::VaultKeyManager::unlink(options_.shadow);
+    keys_ = Vel::allocate<MbbVaultKey::VaultKeyManager>(options_.shadow);
+    tablesMadeAnew_ = true;
+  }
+}
+
 void AgentHost::settleShadowTables() {
-  keys_ = Vel::allocate<MbbVaultKey::VaultKeyManager>(options_.shadow);
+  openShadowTables();
   const auto pd = Vel::allocate<BfPdIngressMirrorLagGroup::BfPdIngressMirrorLagGroupIntf>(
       options_.pdLib, pdLib_, options_.session);
   const auto settled =
@@ -176,7 +193,50 @@ void AgentHost::settleShadowTables() {
   log("settled " + std::to_string(settled.total()) + " unfinished records");
 }
 
-void AgentHost::makeTableAndProfile() {
+void AgentHost::adoptUnrecordedEntries(const AgentConfig& start) {
+  std::vector<std::uint16_t> sessions;
+  if (tablesMadeAnew_) {
+    for (std::uint32_t session = 0; session <= UINT16_MAX; ++session)
+      sessions.push_back(static_cast<std::uint16_t>(session));
+  } else {
+    for (const auto& [session, target] : start.entries)
+      sessions.push_back(session);
+  }
+  IngressMirrorLagGroupTableHandles& held = *table_->helper()->sdkHandles();
+  std::set<std::uint16_t> recorded;
+  for (auto slot = held.entries().begin(); slot; ++slot)
+    recorded.insert(slot.key()->ingMirrorMdMirrorSession());
+  auto& pd = *table_->helper()->pdLib();
+  std::size_t adopted = 0;
+  for (std::uint16_t session : sessions) {
+    if (recorded.count(session) != 0)
+      continue;
+    p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t key{session};
+    std::uint32_t handle = 0;
+    if (pd.p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_to_entry_hdl(
+            sm_->sessionHandle(), {options_.device, options_.pipe}, &key, &handle) != 0)
+      continue;
+    auto match = Vel::allocate<IngressMirrorLagGroupMatchSpec>();
+    match->ingMirrorMdMirrorSessionIs(session);
+    held.entryIs(match, handle);
+    recordAdopted(match, handle);
+    ++adopted;
+  }
+  if (adopted != 0)
+    log("found " + std::to_string(adopted) + " entries in the chip that no record names");
+}
+
+void AgentHost::recordAdopted(const Vel::Ptr<const IngressMirrorLagGroupMatchSpec>& match,
+                              std::uint32_t handle) {
+  using Vault::MbbPostcodef::EntryConfig;
+  keys_->alloc(match, false);
+  const EntryConfig record(keys_->entryKeyTake(),
+                           Vault::MbbPostcodef::opIdOf(Vault::MbbPostcodef::ShadowOp::entryAdd),
+                           handle, match->ingMirrorMdMirrorSession(), options_.pipe);
+  keys_->entryShadow()->recordIs(record);
+}
+
+void AgentHost::makeTableAndProfile(const AgentConfig& start) {
   plugin_ = load(pluginLibrary);
   const auto tableFactory = symbol<decltype(&ingressMirrorLagGroupTableFactory)>(
       plugin_, "ingressMirrorLagGroupTableFactory", pluginLibrary);
@@ -187,6 +247,7 @@ void AgentHost::makeTableAndProfile() {
   profile_ = profileFactory(table_);
   sm_ = stateMachineOf(profile_);
   AttributePath::set(sm_, "sessionHandle", std::to_string(options_.session));
+  adoptUnrecordedEntries(start);
   agentTable_ = std::make_unique<AgentTable>(table_, profile_);
   applier_ = std::make_unique<ConfigApplier>(*agentTable_);
   const IngressMirrorLagGroupTableHandles& held = *table_->helper()->sdkHandles();

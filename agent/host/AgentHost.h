@@ -62,8 +62,21 @@ class AgentHost {
   AgentConfig startConfig() const;
   // The steps of start-up, in their order.
   void attachChip();
+  // Opens the shadow tables; damaged ones are made anew (tablesMadeAnew_).
+  void openShadowTables();
   void settleShadowTables();
-  void makeTableAndProfile();
+  void makeTableAndProfile(const AgentConfig& start);
+  // Entries the chip holds that no shadow record names (lost with damaged
+  // tables, or cut off by a kill), looked up by session: those of the start
+  // configuration, or every session when the tables were made anew. They go
+  // into the handle registry, so that the apply modifies them (and removes
+  // the ones no configuration names) instead of adding them again.
+  void adoptUnrecordedEntries(const AgentConfig& start);
+  // Records an adopted entry in the shadow tables, as its add would have, so
+  // that the next start finds it recorded.
+  void recordAdopted(
+      const Vel::Ptr<const BfIngressMirrorLagGroup::IngressMirrorLagGroupMatchSpec>& match,
+      std::uint32_t handle);
   void applyAtStart(const AgentConfig& start);
   Answer apply(const AgentConfig& wanted);
   // After a restart's apply: deletes from the chip what the instances before
@@ -103,6 +116,7 @@ class AgentHost {
   std::unique_ptr<ConfigApplier> applier_;
   StateFile state_;
   AgentConfig running_;
+  bool tablesMadeAnew_ = false;
 };
 
 }  // namespace mirrorlag_agent

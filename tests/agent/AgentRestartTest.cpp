@@ -107,6 +107,40 @@ TEST_F(AgentStartTest, ASecondAgentOnTheSameShadowTablesIsRefusedAtOnce) {
   EXPECT_EQ(ctl("check").status, 0);
 }
 
+// Writes `bytes` over the shadow table `table` at `offset`.
+void damageFile(const std::string& table, std::size_t offset, const std::string& bytes) {
+  std::fstream file("/dev/shm" + table, std::ios::in | std::ios::out | std::ios::binary);
+  file.seekp(static_cast<std::streamoff>(offset));
+  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+TEST_F(AgentStartTest, AfterShadowDamageTheRestartConvergesAndTheNextIsClean) {
+  startAgent();
+  ASSERT_EQ(ctl("entry 7 member 2").status, 0);
+  stopAgent(SIGKILL);
+  // The match-entry table's header and the member table's records.
+  damageFile(shadowName + "-mbb", 8, std::string(16, '\xff'));
+  damageFile(shadowName + "-adt", 200, std::string(64, '\x5a'));
+  const std::size_t before = chipLog().size();
+  startAgent();
+  EXPECT_THAT(agentLog(), HasSubstr("shadow tables '" + shadowName + "' are damaged ("));
+  EXPECT_EQ(ctl("check").status, 0) << ctl("check").output;
+  const std::vector<std::string> log = chipLog();
+  for (std::size_t i = before; i < log.size(); ++i)
+    EXPECT_EQ(log[i].find("_add_entry("), std::string::npos) << log[i];
+  const shadow_test::ChipContents chip = shadow_test::ChipContents::parse(chipDump());
+  EXPECT_EQ(chip.entries.size(), 3u);
+  EXPECT_EQ(chip.members.size(), 3u);
+  EXPECT_EQ(chip.groups.size(), 1u);
+  // The tables now hold every object again: the next restart finds nothing lost.
+  stopAgent(SIGKILL);
+  std::remove(logPath.c_str());
+  startAgent();
+  EXPECT_EQ(ctl("check").status, 0);
+  EXPECT_THAT(agentLog(), testing::Not(HasSubstr("damaged")));
+  EXPECT_THAT(agentLog(), testing::Not(HasSubstr("that no record names")));
+}
+
 TEST_F(AgentStartTest, ABadCommandLineIsRefusedWithStatus2) {
   const Outcome refused = runAgentToEnd({"--device", "300"});
   EXPECT_EQ(refused.status, 2);
