@@ -167,9 +167,15 @@ std::optional<std::string> Chip::headerFault() const {
     return "bad entry scope " + std::to_string(header_.entryScope);
   }
   for (std::size_t i = 0; i < kPdFunctionCount; ++i) {
-    if (header_.functions[i].calls > kMostCalls) {
-      return std::string(pdFunctionName(static_cast<PdFunction>(i))) + " counted " +
-             std::to_string(header_.functions[i].calls) + " calls";
+    const ChipHeader::FunctionStats& stats = header_.functions[i];
+    const std::string function(pdFunctionName(static_cast<PdFunction>(i)));
+    if (stats.calls > kMostCalls) {
+      return function + " counted " + std::to_string(stats.calls) + " calls";
+    }
+    // An injected fault answers a status, and 0 is none: such a "fault" would
+    // make calls succeed without doing anything.
+    if (stats.faultsLeft != 0 && stats.faultStatus == 0) {
+      return function + " has " + std::to_string(stats.faultsLeft) + " faults of status 0";
     }
   }
   return std::nullopt;

@@ -131,7 +131,13 @@ INSTANTIATE_TEST_SUITE_P(
                            "bad entry scope 7"},
                     Damage{"CallCountAtTwoToThe63",
                            [](DamagedChip& chip) { chip.header().functions[0].calls = kHugeCount; },
-                           kAddEntry + " counted 9223372036854775808 calls"}),
+                           kAddEntry + " counted 9223372036854775808 calls"},
+                    Damage{"FaultsOfStatusZero",
+                           [](DamagedChip& chip) {
+                             chip.header().functions[0].faultsLeft = 3;
+                             chip.header().functions[0].faultStatus = 0;
+                           },
+                           kAddEntry + " has 3 faults of status 0"}),
     [](const testing::TestParamInfo<Damage>& info) { return std::string(info.param.name); });
 
 TEST_F(DamageTest, AChangedMakeUpIsRefusedByTheProcessesAttachedAndAtAttach) {
