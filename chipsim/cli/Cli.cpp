@@ -123,6 +123,9 @@ int Cli::dispatch(const std::string& command, const std::vector<std::string>& op
     if (error == EUCLEAN) {
       return failure("chip '" + chip_ + "' is damaged: " + chipsim_last_fault());
     }
+    if (error == ETIMEDOUT) {
+      return failure("chip '" + chip_ + "': " + chipsim_last_fault());
+    }
     return failure("cannot attach to chip '" + chip_ + "': " + std::strerror(error));
   }
   // A reset empties even a damaged chip; every other command needs a sound one.

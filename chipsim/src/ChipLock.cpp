@@ -1,5 +1,7 @@
 #include "ChipLock.h"
 
+#include "LockWait.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -10,13 +12,6 @@
 namespace chipsim {
 
 namespace {
-
-// How long a call waits for the chip's lock.
-unsigned waitMilliseconds() {
-  const char* text = std::getenv("CHIPSIM_LOCK_WAIT_MS");
-  return text != nullptr ? static_cast<unsigned>(std::strtoul(text, nullptr, 10))
-                         : ChipLock::kWaitMilliseconds;
-}
 
 timespec deadlineAfter(unsigned milliseconds) {
   constexpr long kNanosecondsPerMillisecond = 1000000;
@@ -34,7 +29,8 @@ timespec deadlineAfter(unsigned milliseconds) {
 
 }  // namespace
 
-ChipLock::ChipLock(Chip& chip) noexcept : chip_(chip), error_(0), waited_(waitMilliseconds()) {
+ChipLock::ChipLock(Chip& chip) noexcept
+    : chip_(chip), error_(0), waited_(LockWait::milliseconds()) {
   pthread_mutex_t& mutex = chip.header().mutex;
   const timespec deadline = deadlineAfter(waited_);
   error_ = pthread_mutex_timedlock(&mutex, &deadline);

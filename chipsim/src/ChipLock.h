@@ -9,16 +9,14 @@ namespace chipsim {
 // Holds the chip's lock for one call. The lock is a process-shared robust
 // mutex: when its last holder died, the chip is first brought back to a
 // coherent state. Leaving commits the call's changes. The wait is bounded
-// (kWait, or CHIPSIM_LOCK_WAIT_MS milliseconds): a holder that keeps the lock
-// longer, such as a stopped process, makes the call fail with ETIMEDOUT.
+// (LockWait): a holder that keeps the lock longer, such as a stopped
+// process, makes the call fail with ETIMEDOUT.
 class ChipLock {
  public:
   explicit ChipLock(Chip& chip) noexcept;
   ~ChipLock();
   ChipLock(const ChipLock&) = delete;
   ChipLock& operator=(const ChipLock&) = delete;
-
-  static constexpr unsigned kWaitMilliseconds = 5000;
 
   // 0 when the lock is held, otherwise the errno value of the failure.
   int error() const noexcept { return error_; }

@@ -7,12 +7,16 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstring>
 #include <optional>
+#include <string>
+#include <thread>
 
 #include "Chip.h"
 #include "ChipHeader.h"
+#include "LockWait.h"
 #include "SegmentLayout.h"
 
 namespace chipsim {
@@ -38,24 +42,43 @@ std::byte* mapShared(int fd, uint64_t size) noexcept {
 
 // Holds an open segment's file, and the file lock under which chips are made
 // and checked, so that two processes never make one chip at once, and one
-// that dies while it makes a chip leaves it to the next.
+// that dies while it makes a chip leaves it to the next. The wait for the
+// lock is bounded (LockWait); error() is ETIMEDOUT when it ran out.
 class LockedFile {
  public:
   explicit LockedFile(int fd) noexcept : fd_(fd) {
-    while (flock(fd_, LOCK_EX) != 0 && errno == EINTR) {
+    constexpr auto kPause = std::chrono::milliseconds(10);
+    const auto deadline =
+        std::chrono::steady_clock::now() + std::chrono::milliseconds(LockWait::milliseconds());
+    while (flock(fd_, LOCK_EX | LOCK_NB) != 0) {
+      if (errno != EWOULDBLOCK && errno != EINTR) {
+        error_ = errno;
+        return;
+      }
+      if (std::chrono::steady_clock::now() >= deadline) {
+        error_ = ETIMEDOUT;
+        return;
+      }
+      std::this_thread::sleep_for(kPause);
     }
+    locked_ = true;
   }
   // Unlocks by hand: the chip's mapping keeps the file open after close().
   ~LockedFile() {
-    flock(fd_, LOCK_UN);
+    if (locked_) {
+      flock(fd_, LOCK_UN);
+    }
     close(fd_);
   }
   LockedFile(const LockedFile&) = delete;
   LockedFile& operator=(const LockedFile&) = delete;
   int fd() const noexcept { return fd_; }
+  int error() const noexcept { return error_; }
 
  private:
   int fd_;
+  int error_ = 0;
+  bool locked_ = false;
 };
 
 // A mapped chip whose magic is written: made and never to be made again.
@@ -99,6 +122,13 @@ int Segment::open(const char* name, bool create, const chipsim_config& config,
     return errno;
   }
   LockedFile file(fd);
+  if (file.error() == ETIMEDOUT) {
+    fault = "its segment is locked by " + LockWait::fileLockHolder(fd) + ": waited " +
+            std::to_string(LockWait::milliseconds()) + " ms";
+  }
+  if (file.error() != 0) {
+    return file.error();
+  }
   struct stat status;
   if (fstat(fd, &status) != 0) {
     return errno;

@@ -24,7 +24,8 @@ class Segment {
   // maker died before the chip was made, gets a new chip of `config` when
   // `create` is set, and is ENOENT otherwise. EINVAL for a bad name or a
   // segment that holds something else; EUCLEAN for a chip that is damaged,
-  // `fault` then telling how.
+  // ETIMEDOUT when another process kept the segment's lock too long; `fault`
+  // then tells how.
   static int open(const char* name, bool create, const chipsim_config& config,
                   std::unique_ptr<Segment>& segment, std::string& fault);
 

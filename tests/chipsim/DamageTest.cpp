@@ -1,4 +1,7 @@
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -283,6 +286,19 @@ TEST_F(DamageTest, ALockHeldTooLongEndsTheWaitNamingItsHolder) {
   waitpid(child, nullptr, 0);
   close(ready[0]);
   close(ready[1]);
+}
+
+TEST_F(DamageTest, ASegmentLockedTooLongEndsTheAttachNamingItsHolder) {
+  const int fd = shm_open(chip.c_str(), O_RDWR, 0);
+  ASSERT_GE(fd, 0);
+  ASSERT_EQ(flock(fd, LOCK_EX), 0);
+  setenv("CHIPSIM_LOCK_WAIT_MS", "200", 1);
+  const ToolRun run = tool({"dump"});
+  unsetenv("CHIPSIM_LOCK_WAIT_MS");
+  close(fd);
+  EXPECT_EQ(run.exitStatus, 1);
+  EXPECT_EQ(run.err, "chipsim: chip '" + chip.name() + "': its segment is locked by process " +
+                         std::to_string(getpid()) + ": waited 200 ms\n");
 }
 
 TEST_F(DamageTest, StatusZeroIsNoFault) {
