@@ -14,6 +14,8 @@
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
 #include "Quill/CorruptionDetectedException.h"
 #include "Vault/MbbPostcodef/ShadowOp.h"
+#include "Vault/SegmentFile.h"
+#include "Vault/TableInUseException.h"
 #include "Vel/Allocate.h"
 #include "Vel/Exception.h"
 #include "Vel/TraceHandle.h"
@@ -162,7 +164,17 @@ AgentHost::AgentHost(const AgentOptions& options) : options_(options), state_(op
   applyAtStart(start);
 }
 
+void AgentHost::claimChip() {
+  try {
+    chipClaim_ = std::make_unique<Vault::SegmentFile>(claimName(options_.chip));
+  } catch (const Vault::TableInUseException& e) {
+    throw std::runtime_error("chip '" + options_.chip + "' is in use by process " +
+                             std::to_string(e.holder()));
+  }
+}
+
 void AgentHost::attachChip() {
+  claimChip();
   pdLib_ = load(options_.pdLib);
   if (auto attach = reinterpret_cast<int (*)(const char*)>(dlsym(pdLib_, "chipsim_attach"))) {
     if (attach(options_.chip.c_str()) != 0)

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
+#include "Vault/SegmentFile.h"
 #include "config/AgentConfig.h"
 #include "core/AgentTable.h"
 #include "core/ConfigApplier.h"
@@ -61,6 +62,11 @@ class AgentHost {
   // configuration; none of either is the empty configuration.
   AgentConfig startConfig() const;
   // The steps of start-up, in their order.
+  // The name of the segment whose lock an agent holds for its chip's life.
+  static std::string claimName(const std::string& chip) { return chip + "-agent"; }
+  // Holds the chip for this agent's life: a second agent on it is refused at
+  // once ("chip 'x' is in use by process N").
+  void claimChip();
   void attachChip();
   // Opens the shadow tables; damaged ones are made anew (tablesMadeAnew_).
   void openShadowTables();
@@ -106,6 +112,7 @@ class AgentHost {
   Vel::Ptr<Vel::PtrInterface> root(const std::string& name) const;
 
   AgentOptions options_;
+  std::unique_ptr<Vault::SegmentFile> chipClaim_;
   void* pdLib_ = nullptr;
   void* plugin_ = nullptr;
   Vel::Ptr<MbbVaultKey::VaultKeyManager> keys_;

@@ -2,10 +2,12 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -57,6 +59,8 @@ void AgentFixture::TearDown() {
   stopAgent(SIGTERM);
   chipsim_test::chipsim().unlink(chipName.c_str());
   MbbVaultKey::VaultKeyManager::unlink(shadowName);
+  MbbVaultKey::VaultKeyManager::unlink(shadowName + "-other");
+  shm_unlink(("/" + chipName + "-agent").c_str());
   for (const std::string& path : {statePath, configPath, logPath, logPath + ".err", socketPath})
     std::remove(path.c_str());
 }
@@ -65,7 +69,15 @@ std::vector<std::string> AgentFixture::agentArguments(const std::vector<std::str
   std::vector<std::string> arguments = {MIRRORLAG_AGENT, "--chip",   chipName,   "--shadow",
                                         shadowName,      "--config", configPath, "--socket",
                                         socketPath,      "--state",  statePath};
-  arguments.insert(arguments.end(), extra.begin(), extra.end());
+  // An option given again in `extra` replaces the fixture's value.
+  for (std::size_t i = 0; i < extra.size(); ++i) {
+    const auto given = std::find(arguments.begin(), arguments.end(), extra[i]);
+    if (given != arguments.end() && given + 1 != arguments.end() && i + 1 < extra.size()) {
+      *(given + 1) = extra[++i];
+    } else {
+      arguments.push_back(extra[i]);
+    }
+  }
   return arguments;
 }
 

@@ -27,8 +27,8 @@ class AgentFixture : public testing::Test {
   void SetUp() override;
   void TearDown() override;
 
-  // Starts the agent with the fixture's options and `extra` ones, and waits
-  // for its socket.
+  // Starts the agent with the fixture's options and `extra` ones (an option
+  // the fixture gives is given the new value), and waits for its socket.
   void startAgent(const std::vector<std::string>& extra = {});
   // Starts the agent and waits for it to end; its exit status and what it
   // printed on stderr.

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/mman.h>
 
 #include <algorithm>
 #include <chrono>
@@ -98,8 +99,12 @@ TEST_F(AgentStartTest, ARestartRemovesMembersAndGroupsThatNoRecordNames) {
 TEST_F(AgentStartTest, ASecondAgentOnTheSameShadowTablesIsRefusedAtOnce) {
   startAgent();
   const std::string chipBefore = chipDump() + chipTool("log").output;
-  // Refused before it makes its socket: the first agent keeps serving on it.
-  const Outcome refused = runAgentToEnd();
+  // On another chip, refused before it makes its socket: the first agent
+  // keeps serving on it.
+  const std::string otherChip = chipName + "-2";
+  const Outcome refused = runAgentToEnd({"--chip", otherChip});
+  chipsim_test::chipsim().unlink(otherChip.c_str());
+  shm_unlink(("/" + otherChip + "-agent").c_str());
   EXPECT_EQ(refused.status, 1);
   EXPECT_EQ(refused.output, "mirrorlag-agent: shadow tables '" + shadowName +
                                 "' are in use by process " + std::to_string(agent) + "\n");
@@ -139,6 +144,17 @@ TEST_F(AgentStartTest, AfterShadowDamageTheRestartConvergesAndTheNextIsClean) {
   EXPECT_EQ(ctl("check").status, 0);
   EXPECT_THAT(agentLog(), testing::Not(HasSubstr("damaged")));
   EXPECT_THAT(agentLog(), testing::Not(HasSubstr("that no record names")));
+}
+
+TEST_F(AgentStartTest, ASecondAgentOnTheSameChipIsRefusedAtOnce) {
+  startAgent();
+  const std::string chipBefore = chipDump() + chipTool("log").output;
+  const Outcome refused = runAgentToEnd({"--shadow", shadowName + "-other"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.output, "mirrorlag-agent: chip '" + chipName + "' is in use by process " +
+                                std::to_string(agent) + "\n");
+  EXPECT_EQ(chipDump() + chipTool("log").output, chipBefore);
+  EXPECT_EQ(ctl("check").status, 0);
 }
 
 TEST_F(AgentStartTest, ABadCommandLineIsRefusedWithStatus2) {
