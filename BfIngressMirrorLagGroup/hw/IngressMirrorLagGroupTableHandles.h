@@ -9,6 +9,8 @@
 #include "Vel/Entity.h"
 #include "Vel/HashMap2018.h"
 
+#include <unordered_map>
+
 namespace BfIngressMirrorLagGroup {
 
 // The SDK handle of every object the program has created in the chip: one per
@@ -54,6 +56,11 @@ class IngressMirrorLagGroupTableHandles : public Vel::Entity {
   void groupDelAll();
   void memberDelAll();
 
+  // The id that holds `handle`, found without a walk (the default id when no
+  // id holds it; the first in walking order should two hold it).
+  BfnTable::BfnMemberId memberIdOf(BfnTable::BfnSdkMemberHandle handle) const;
+  BfnTable::BfnGroupId groupIdOf(BfnTable::BfnSdkGroupHandle handle) const;
+
   // The collections, for walking them.
   const EntryMap& entries() const noexcept { return entry_; }
   const GroupMap& groups() const noexcept { return group_; }
@@ -63,6 +70,16 @@ class IngressMirrorLagGroupTableHandles : public Vel::Entity {
   EntryMap entry_;
   GroupMap group_;
   MemberMap member_;
+  // For each member and group handle: the last id registered with it and how
+  // many ids hold it, kept in step with the maps by every change.
+  template <class Id>
+  struct Holders {
+    Id id{};
+    unsigned holders = 0;
+  };
+  std::unordered_map<BfnTable::BfnSdkGroupHandle, Holders<BfnTable::BfnGroupId>> groupIdOfHandle_;
+  std::unordered_map<BfnTable::BfnSdkMemberHandle, Holders<BfnTable::BfnMemberId>>
+      memberIdOfHandle_;
 };
 
 }  // namespace BfIngressMirrorLagGroup

@@ -55,16 +55,6 @@ PdMatchSpec pdMatchSpecOf(const IngressMirrorLagGroupMatchSpec& match) noexcept 
   return PdMatchSpec{match.ingMirrorMdMirrorSession()};
 }
 
-// The id under which `map` holds `handle`; the default id when it holds none.
-template <class Map>
-typename Map::Key idOfHandle(const Map& map, typename Map::Value handle) {
-  for (auto slot = map.begin(); slot; ++slot) {
-    if (slot.value() == handle)
-      return slot.key();
-  }
-  return typename Map::Key{};
-}
-
 }  // namespace
 
 IngressMirrorLagGroupTable::IngressMirrorLagGroupTable(
@@ -279,7 +269,7 @@ void IngressMirrorLagGroupTable::tableResetDefaultEntry(const MatchSpec& match) 
 
 IngressMirrorLagGroupMemberOrGroupOrNone IngressMirrorLagGroupTable::memberOf(
     BfnTable::BfnSdkEntryHandle handle, BfnTable::BfnSdkMemberHandle mbr_hdl) const {
-  const BfnTable::BfnMemberId memberId = idOfHandle(helper_->sdkHandles()->members(), mbr_hdl);
+  const BfnTable::BfnMemberId memberId = helper_->sdkHandles()->memberIdOf(mbr_hdl);
   if (auto trace = Vel::TraceHelper::createIfEnabled(pluginTrace(), 8)) {
     *trace << "entryByHandle"
            << ": sdkHandle=" << handle << " mbr_hdl=" << mbr_hdl
@@ -291,7 +281,7 @@ IngressMirrorLagGroupMemberOrGroupOrNone IngressMirrorLagGroupTable::memberOf(
 
 IngressMirrorLagGroupMemberOrGroupOrNone IngressMirrorLagGroupTable::groupOf(
     BfnTable::BfnSdkEntryHandle handle, BfnTable::BfnSdkGroupHandle grp_hdl) const {
-  const BfnTable::BfnGroupId groupId = idOfHandle(helper_->sdkHandles()->groups(), grp_hdl);
+  const BfnTable::BfnGroupId groupId = helper_->sdkHandles()->groupIdOf(grp_hdl);
   if (auto trace = Vel::TraceHelper::createIfEnabled(pluginTrace(), 8)) {
     *trace << "entryByHandle"
            << ": sdkHandle=" << handle << " grp_hdl=" << grp_hdl << " groupId=" << groupId.value();

@@ -42,6 +42,38 @@ TEST_F(IngressMirrorLagGroupTableHandlesTest, AbsentKeysGiveZero) {
   EXPECT_EQ(registry->entry(nullptr), 0u);
 }
 
+TEST_F(IngressMirrorLagGroupTableHandlesTest, TheIdOfAHandleFollowsEveryChange) {
+  registry->newMember(BfnTable::BfnMemberId(1), 10);
+  registry->memberIs(BfnTable::BfnMemberId(2), 20);
+  registry->newGroup(BfnTable::BfnGroupId(5), 50);
+  EXPECT_EQ(registry->memberIdOf(10), BfnTable::BfnMemberId(1));
+  EXPECT_EQ(registry->memberIdOf(20), BfnTable::BfnMemberId(2));
+  EXPECT_EQ(registry->groupIdOf(50), BfnTable::BfnGroupId(5));
+  EXPECT_EQ(registry->memberIdOf(30), BfnTable::BfnMemberId());
+  // A member given another handle no longer holds the old one.
+  registry->memberIs(BfnTable::BfnMemberId(1), 11);
+  EXPECT_EQ(registry->memberIdOf(10), BfnTable::BfnMemberId());
+  EXPECT_EQ(registry->memberIdOf(11), BfnTable::BfnMemberId(1));
+  registry->memberDel(BfnTable::BfnMemberId(2));
+  EXPECT_EQ(registry->memberIdOf(20), BfnTable::BfnMemberId());
+  registry->groupDelAll();
+  EXPECT_EQ(registry->groupIdOf(50), BfnTable::BfnGroupId());
+}
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, AHandleHeldByTwoIdsGivesTheFirstInWalkingOrder) {
+  registry->memberIs(BfnTable::BfnMemberId(1), 10);
+  registry->memberIs(BfnTable::BfnMemberId(2), 10);
+  BfnTable::BfnMemberId first;
+  for (auto slot = registry->members().begin(); slot; ++slot) {
+    first = slot.key();
+    break;
+  }
+  EXPECT_EQ(registry->memberIdOf(10), first);
+  registry->memberDel(first);
+  EXPECT_NE(registry->memberIdOf(10), first);
+  EXPECT_NE(registry->memberIdOf(10), BfnTable::BfnMemberId());
+}
+
 TEST_F(IngressMirrorLagGroupTableHandlesTest, EntryIsTwiceKeepsOneNodeWithTheSecondHandle) {
   const MatchSpec match = matchSpec(5);
   registry->entryIs(match, 11);
