@@ -74,6 +74,27 @@ TEST_F(IngressMirrorLagGroupTableHandlesTest, AHandleHeldByTwoIdsGivesTheFirstIn
   EXPECT_NE(registry->memberIdOf(10), BfnTable::BfnMemberId());
 }
 
+TEST_F(IngressMirrorLagGroupTableHandlesTest, AHandleLeftByItsLastIdHolderGivesTheOtherHolder) {
+  registry->memberIs(BfnTable::BfnMemberId(1), 10);
+  registry->memberIs(BfnTable::BfnMemberId(2), 10);
+  registry->memberDel(BfnTable::BfnMemberId(2));
+  EXPECT_EQ(registry->memberIdOf(10), BfnTable::BfnMemberId(1));
+  registry->groupIs(BfnTable::BfnGroupId(3), 30);
+  registry->groupIs(BfnTable::BfnGroupId(4), 30);
+  registry->groupIs(BfnTable::BfnGroupId(4), 31);
+  EXPECT_EQ(registry->groupIdOf(30), BfnTable::BfnGroupId(3));
+  EXPECT_EQ(registry->groupIdOf(31), BfnTable::BfnGroupId(4));
+}
+
+TEST_F(IngressMirrorLagGroupTableHandlesTest, AnIdRegisteredWithHandleZeroIsFoundByIt) {
+  registry->memberIs(BfnTable::BfnMemberId(5), 0);
+  registry->groupIs(BfnTable::BfnGroupId(6), 0);
+  EXPECT_EQ(registry->memberIdOf(0), BfnTable::BfnMemberId(5));
+  EXPECT_EQ(registry->groupIdOf(0), BfnTable::BfnGroupId(6));
+  registry->memberDelAll();
+  EXPECT_EQ(registry->memberIdOf(0), BfnTable::BfnMemberId());
+}
+
 TEST_F(IngressMirrorLagGroupTableHandlesTest, EntryIsTwiceKeepsOneNodeWithTheSecondHandle) {
   const MatchSpec match = matchSpec(5);
   registry->entryIs(match, 11);
