@@ -16,6 +16,7 @@
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
 #include "ChipSymbol.h"
+#include "TimesReporter.h"
 #include "Vel/Allocate.h"
 #include "chipsim/chipsim.h"
 
@@ -135,16 +136,8 @@ BENCHMARK(entryByHandle)->ArgNames({"full", "group"})->ArgsProduct({{0, 1}, {0, 
 
 // The console report, then each read's time with a full profile over its
 // time with a small one (CPU time, the steadier on a loaded machine).
-class RatioReporter : public benchmark::ConsoleReporter {
+class RatioReporter : public TimesReporter {
  public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Iteration && !run.error_occurred)
-        cpu_[run.benchmark_name()] = run.GetAdjustedCPUTime();
-    }
-  }
-
   void Finalize() override {
     ConsoleReporter::Finalize();
     std::printf(
@@ -154,17 +147,13 @@ class RatioReporter : public benchmark::ConsoleReporter {
     for (const char* read : {"entryByMatch", "entryByHandle"}) {
       for (const char* target : {"0", "1"}) {
         const std::string suffix = std::string("/group:") + target;
-        const double small = cpu_[std::string(read) + "/full:0" + suffix];
-        const double full = cpu_[std::string(read) + "/full:1" + suffix];
+        const double small = times(std::string(read) + "/full:0" + suffix).cpu;
+        const double full = times(std::string(read) + "/full:1" + suffix).cpu;
         std::printf("  %-13s on a %-6s small %7.1f ns full %7.1f ns ratio %.2f\n", read,
-                    target[0] == '1' ? "group" : "member", small, full,
-                    small > 0 ? full / small : 0.0);
+                    target[0] == '1' ? "group" : "member", small, full, ratio(full, small));
       }
     }
   }
-
- private:
-  std::map<std::string, double> cpu_;
 };
 
 }  // namespace

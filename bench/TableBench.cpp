@@ -12,13 +12,13 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
 #include "BfIngressMirrorLagGroup/hw/PluginTrace.h"
 #include "ChipSymbol.h"
+#include "TimesReporter.h"
 #include "Vel/Allocate.h"
 #include "Vel/TraceSink.h"
 #include "chipsim/chipsim.h"
@@ -157,16 +157,8 @@ BENCHMARK(tableEntryIsEntryDel)
 // The console report, followed by the time of each table run over the raw run
 // of the same table size, in real and in CPU time (on a loaded machine the CPU
 // time is the steadier of the two).
-class RatioReporter : public benchmark::ConsoleReporter {
+class RatioReporter : public TimesReporter {
  public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Iteration && !run.error_occurred)
-        times_[run.benchmark_name()] = {run.GetAdjustedRealTime(), run.GetAdjustedCPUTime()};
-    }
-  }
-
   void Finalize() override {
     ConsoleReporter::Finalize();
     std::printf(
@@ -174,10 +166,10 @@ class RatioReporter : public benchmark::ConsoleReporter {
         "and trace on over trace off (target: at most %.1f)\n",
         kTableOverRawTarget, kTraceOnOverOffTarget);
     for (const char* others : {"1", "4096", "65535"}) {
-      const Times raw = times_["rawPdAddDelete/others:" + std::string(others)];
+      const Times raw = times("rawPdAddDelete/others:" + std::string(others));
       const std::string table = "tableEntryIsEntryDel/others:" + std::string(others) + "/trace:";
-      const Times off = times_[table + "0"];
-      const Times on = times_[table + "1"];
+      const Times off = times(table + "0");
+      const Times on = times(table + "1");
       for (const Times* traced : {&off, &on}) {
         std::printf(
             "  others=%-6s trace=%s  real: raw %7.1f ns table %7.1f ns ratio %.2f   "
@@ -189,16 +181,6 @@ class RatioReporter : public benchmark::ConsoleReporter {
                   ratio(on.real, off.real), ratio(on.cpu, off.cpu));
     }
   }
-
- private:
-  struct Times {
-    double real = 0;
-    double cpu = 0;
-  };
-
-  static double ratio(double table, double raw) { return raw > 0 ? table / raw : 0.0; }
-
-  std::map<std::string, Times> times_;
 };
 
 }  // namespace
