@@ -19,7 +19,7 @@ constexpr unsigned pdLibPathLine = 24;
 constexpr unsigned tablePtrLine = 41;
 constexpr unsigned mbbVaultTableConfigLine = 45;
 
-constexpr std::uint16_t allPipes = 0xFFFF;
+constexpr std::uint16_t allPipes = P4_PD_ALL_PIPES;
 
 // Scopes the table's entries in the chip: one key space per pipe for a table
 // of one pipe, one shared by all pipes otherwise.

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "Pd/KestroSwitchPd.h"
+
 namespace mirrorlag_agent {
 
 // The agent's command line:
@@ -20,7 +22,7 @@ struct AgentOptions {
   bool discardState = false;
   std::string pdLib = "libchipsim.so";
   std::uint8_t device = 0;
-  std::uint16_t pipe = 0xFFFF;
+  std::uint16_t pipe = P4_PD_ALL_PIPES;
   std::uint32_t session = 1;
   std::vector<std::string> traces;
   // Where the agent logs its changes; none when null.

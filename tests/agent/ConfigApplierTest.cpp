@@ -20,7 +20,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr std::uint8_t kDevice = 0;
-constexpr std::uint16_t kPipe = 0xFFFF;
+constexpr std::uint16_t kPipe = P4_PD_ALL_PIPES;
 constexpr std::uint32_t kSession = 1;
 
 const char* const kExample = R"({

@@ -13,7 +13,7 @@ using Vault::MbbPostcodef::ShadowOp;
 
 using chipsim_test::kSetProperty;
 
-constexpr std::uint32_t kAllPipes = 0xFFFF;
+constexpr std::uint32_t kAllPipes = P4_PD_ALL_PIPES;
 
 }  // namespace
 

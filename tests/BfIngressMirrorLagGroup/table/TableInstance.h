@@ -24,7 +24,7 @@ namespace BfIngressMirrorLagGroup {
 class TableInstance {
  public:
   static constexpr std::uint8_t kDevice = 0;
-  static constexpr std::uint16_t kPipe = 0xFFFF;
+  static constexpr std::uint16_t kPipe = P4_PD_ALL_PIPES;
   static constexpr std::uint32_t kSession = 1;
 
   // `attached`, when given, is called with the re-attached key manager before
