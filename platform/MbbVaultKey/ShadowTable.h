@@ -11,6 +11,7 @@
 #include "Vault/IterHint.h"
 #include "Vault/MbbPostcodef/EntryKey.h"
 #include "Vault/ReadOnlyVaultTable.h"
+#include "Vault/SpareNodes.h"
 #include "Vault/VaultTable.h"
 #include "Vel/Allocate.h"
 #include "Vel/Ptr.h"
@@ -93,7 +94,7 @@ class ShadowTable {
   void intentIs(const R& record) {
     table_->intentIs(record);
     forgetHandle(record.vaultKey());
-    byKey_[record.vaultKey()] = {record, true};
+    spareSlots_.assign(byKey_, record.vaultKey(), Slot{record, true});
   }
   // Writes `record` finished, after removing any other record of its handle.
   void recordIs(const R& record) {
@@ -104,8 +105,8 @@ class ShadowTable {
     }
     table_->write(record);
     forgetHandle(record.vaultKey());
-    byKey_[record.vaultKey()] = {record, false};
-    keyOfHandle_[record.handle()] = record.vaultKey();
+    spareSlots_.assign(byKey_, record.vaultKey(), Slot{record, false});
+    spareHandles_.assign(keyOfHandle_, record.handle(), record.vaultKey());
   }
   // Removes the record or intent of `key`; false when there is none.
   bool recordDel(const EntryKey& key) {
@@ -115,7 +116,7 @@ class ShadowTable {
     }
     table_->remove(found->second.record);
     forgetHandle(key.value());
-    byKey_.erase(found);
+    spareSlots_.erase(byKey_, found);
     return true;
   }
 
@@ -161,14 +162,19 @@ class ShadowTable {
     }
     auto indexed = keyOfHandle_.find(slot->second.record.handle());
     if (indexed != keyOfHandle_.end() && indexed->second == key) {
-      keyOfHandle_.erase(indexed);
+      spareHandles_.erase(keyOfHandle_, indexed);
     }
   }
 
   Vel::Ptr<Vault::VaultTable<R>> table_;
   Vel::Ptr<Vault::VaultBase<R>> config_;
-  std::map<std::uint64_t, Slot> byKey_;
-  std::unordered_map<std::uint32_t, std::uint64_t> keyOfHandle_;
+  using ByKey = std::map<std::uint64_t, Slot>;
+  using KeyOfHandle = std::unordered_map<std::uint32_t, std::uint64_t>;
+  ByKey byKey_;
+  KeyOfHandle keyOfHandle_;
+  // Nodes of the two kept for the next record, which mostly follows a removal.
+  Vault::SpareNodes<ByKey> spareSlots_;
+  Vault::SpareNodes<KeyOfHandle> spareHandles_;
   std::uint32_t damagedFreed_ = 0;
 };
 

@@ -129,7 +129,7 @@ std::uint32_t TableWriter::write(std::uint64_t key, const void* record, SlotStat
   std::uint32_t slot = takeFreeSlot();
   writeCopy(slot, 0, key, record, state);
   publish(slot, state, 0);
-  slotOfKey_[key] = slot;
+  spareKeyNodes_.assign(slotOfKey_, key, slot);
   countIs(header().recordCount + 1);
   return slot;
 }
@@ -140,7 +140,7 @@ std::uint32_t TableWriter::takeFreeSlot() {
         Vel::format("Vault table %s is full (%u records)", name().c_str(), layout_.capacity));
   }
   std::uint32_t slot = *freeSlots_.begin();
-  freeSlots_.erase(freeSlots_.begin());
+  spareSlotNodes_.erase(freeSlots_, freeSlots_.begin());
   return slot;
 }
 
@@ -167,19 +167,20 @@ void TableWriter::publish(std::uint32_t slot, SlotState state, unsigned copy) {
 }
 
 bool TableWriter::remove(std::uint64_t key) {
-  std::optional<std::uint32_t> slot = slotOf(key);
-  if (!slot) {
+  const auto found = slotOfKey_.find(key);
+  if (found == slotOfKey_.end()) {
     return false;
   }
-  slotOfKey_.erase(key);
-  freeSlot(*slot);
+  const std::uint32_t slot = found->second;
+  spareKeyNodes_.erase(slotOfKey_, found);
+  freeSlot(slot);
   return true;
 }
 
 void TableWriter::freeSlot(std::uint32_t slot) {
   __atomic_store_n(reinterpret_cast<std::uint32_t*>(slotBytes(slot)),
                    SlotControl(SlotState::Free, 0).word(), __ATOMIC_RELEASE);
-  freeSlots_.insert(slot);
+  spareSlotNodes_.add(freeSlots_, slot);
   countIs(header().recordCount - 1);
 }
 

@@ -9,6 +9,7 @@
 
 #include "Vault/SharedSegment.h"
 #include "Vault/SlotEntry.h"
+#include "Vault/SpareNodes.h"
 #include "Vault/TableLayout.h"
 #include "Vault/TableView.h"
 #include "Vault/WriteStep.h"
@@ -99,8 +100,13 @@ class TableWriter {
   std::unique_ptr<SharedSegment> segment_;
   TableLayout layout_{};
   TableView view_;
-  std::unordered_map<std::uint64_t, std::uint32_t> slotOfKey_;
-  std::set<std::uint32_t> freeSlots_;
+  using SlotOfKey = std::unordered_map<std::uint64_t, std::uint32_t>;
+  using FreeSlots = std::set<std::uint32_t>;
+  SlotOfKey slotOfKey_;
+  FreeSlots freeSlots_;
+  // Nodes of the two kept for the next record, which mostly follows a removal.
+  SpareNodes<SlotOfKey> spareKeyNodes_;
+  SpareNodes<FreeSlots> spareSlotNodes_;
   std::set<std::uint32_t> damagedSlots_;
   WriteProbe probe_ = nullptr;
 };
