@@ -168,14 +168,13 @@ std::optional<std::string> Chip::headerFault() const {
   }
   for (std::size_t i = 0; i < kPdFunctionCount; ++i) {
     const ChipHeader::FunctionStats& stats = header_.functions[i];
-    const std::string function(pdFunctionName(static_cast<PdFunction>(i)));
-    if (stats.calls > kMostCalls) {
-      return function + " counted " + std::to_string(stats.calls) + " calls";
-    }
     // An injected fault answers a status, and 0 is none: such a "fault" would
     // make calls succeed without doing anything.
-    if (stats.faultsLeft != 0 && stats.faultStatus == 0) {
-      return function + " has " + std::to_string(stats.faultsLeft) + " faults of status 0";
+    if (stats.calls > kMostCalls || (stats.faultsLeft != 0 && stats.faultStatus == 0)) {
+      const std::string function(pdFunctionName(static_cast<PdFunction>(i)));
+      return stats.calls > kMostCalls
+                 ? function + " counted " + std::to_string(stats.calls) + " calls"
+                 : function + " has " + std::to_string(stats.faultsLeft) + " faults of status 0";
     }
   }
   return std::nullopt;

@@ -32,8 +32,12 @@ timespec deadlineAfter(unsigned milliseconds) {
 ChipLock::ChipLock(Chip& chip) noexcept
     : chip_(chip), error_(0), waited_(LockWait::milliseconds()) {
   pthread_mutex_t& mutex = chip.header().mutex;
-  const timespec deadline = deadlineAfter(waited_);
-  error_ = pthread_mutex_timedlock(&mutex, &deadline);
+  // Most calls find the lock free; only a wait needs its deadline.
+  error_ = pthread_mutex_trylock(&mutex);
+  if (error_ == EBUSY) {
+    const timespec deadline = deadlineAfter(waited_);
+    error_ = pthread_mutex_timedlock(&mutex, &deadline);
+  }
   if (error_ == EOWNERDEAD) {
     chip_.recover();
     error_ = pthread_mutex_consistent(&mutex);

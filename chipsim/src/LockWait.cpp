@@ -9,9 +9,13 @@
 namespace chipsim {
 
 unsigned LockWait::milliseconds() {
-  const char* text = std::getenv("CHIPSIM_LOCK_WAIT_MS");
-  return text != nullptr ? static_cast<unsigned>(std::strtoul(text, nullptr, 10))
-                         : kDefaultMilliseconds;
+  // Read once: the setting is the process's, and calls are frequent.
+  static const unsigned wait = [] {
+    const char* text = std::getenv("CHIPSIM_LOCK_WAIT_MS");
+    return text != nullptr ? static_cast<unsigned>(std::strtoul(text, nullptr, 10))
+                           : kDefaultMilliseconds;
+  }();
+  return wait;
 }
 
 std::string LockWait::fileLockHolder(int fd) {
