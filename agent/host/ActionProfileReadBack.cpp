@@ -1,17 +1,12 @@
 #include "host/ActionProfileReadBack.h"
 
-#include <dlfcn.h>
-
 #include <set>
+
+#include "host/LibrarySymbol.h"
 
 namespace mirrorlag_agent {
 
 namespace {
-
-template <class F>
-void find(void* library, const char* name, F& function) {
-  function = reinterpret_cast<F>(dlsym(library, name));
-}
 
 // The handles a get-first / get-next pair walks, in the chip's order.
 template <class First, class Next>
@@ -32,10 +27,11 @@ std::vector<std::uint32_t> walk(First first, Next next, p4_pd_session_handle_t s
 }  // namespace
 
 ActionProfileReadBack::ActionProfileReadBack(void* pdLib) {
-  find(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member", firstMember_);
-  find(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member", nextMember_);
-  find(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_group", firstGroup_);
-  find(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_group", nextGroup_);
+  findSymbol(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member",
+             firstMember_);
+  findSymbol(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member", nextMember_);
+  findSymbol(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_group", firstGroup_);
+  findSymbol(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_group", nextGroup_);
 }
 
 std::vector<std::uint32_t> ActionProfileReadBack::members(p4_pd_session_handle_t session,

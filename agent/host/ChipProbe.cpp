@@ -1,28 +1,16 @@
 #include "host/ChipProbe.h"
 
-#include <dlfcn.h>
-
 #include "chipsim/chipsim.h"
+#include "host/LibrarySymbol.h"
 
 namespace mirrorlag_agent {
 
-namespace {
-
-// The function `name` of the library, as a pointer of the type `F` points to;
-// null when the library has none.
-template <class F>
-void find(void* library, const char* name, F& function) {
-  function = reinterpret_cast<F>(dlsym(library, name));
-}
-
-}  // namespace
-
 ChipProbe::ChipProbe(void* pdLib) {
-  find(pdLib, "chipsim_check", check_);
-  find(pdLib, "chipsim_entries", entries_);
-  find(pdLib, "chipsim_members", members_);
-  find(pdLib, "chipsim_groups", groups_);
-  find(pdLib, "chipsim_lookup", lookup_);
+  findSymbol(pdLib, "chipsim_check", check_);
+  findSymbol(pdLib, "chipsim_entries", entries_);
+  findSymbol(pdLib, "chipsim_members", members_);
+  findSymbol(pdLib, "chipsim_groups", groups_);
+  findSymbol(pdLib, "chipsim_lookup", lookup_);
   if (!entries_ || !members_ || !groups_ || !lookup_)
     check_ = nullptr;
 }

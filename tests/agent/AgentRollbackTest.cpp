@@ -12,30 +12,14 @@
 #include <nlohmann/json.hpp>
 
 #include "AgentFixture.h"
+#include "RollbackCase.h"
 #include "config/AgentConfig.h"
-#include "support/PdFunctionNames.h"
 
 namespace mirrorlag_agent {
 namespace {
 
 // A status the chip answers an injected fault with.
 constexpr int kFaultStatus = 9;
-
-const char* const kBefore = R"({
-  "members": [{"id": 1, "selector": 10}, {"id": 2, "selector": 11}],
-  "groups": [{"id": 100, "size": 8, "members": [{"id": 1}, {"id": 2}]}],
-  "entries": [{"session": 5, "group": 100}, {"session": 6, "member": 2}],
-  "default": {"member": 1}})";
-
-// Changes every kind of object: members changed, added and removed, group
-// members joining, leaving and switching, a new group, entries moved, added
-// and removed, the default entry moved to a group.
-const char* const kWanted = R"({
-  "members": [{"id": 1, "selector": 16}, {"id": 3, "selector": 12}],
-  "groups": [{"id": 100, "size": 8, "members": [{"id": 1}, {"id": 3, "active": false}]},
-             {"id": 200, "size": 4, "members": [{"id": 3}]}],
-  "entries": [{"session": 5, "group": 200}, {"session": 7, "member": 3}],
-  "default": {"group": 100}})";
 
 // Each PD function of an apply refused once by the chip, in a running agent:
 // the apply fails with the function's name, and the running configuration,
@@ -45,9 +29,9 @@ class AgentRollbackTest : public AgentFixture, public testing::WithParamInterfac
  protected:
   void SetUp() override {
     AgentFixture::SetUp();
-    writeConfig(kBefore);
+    writeConfig(kRollbackBefore);
     wantedPath = configPath + ".wanted";
-    std::ofstream(wantedPath) << kWanted;
+    std::ofstream(wantedPath) << kRollbackWanted;
   }
   void TearDown() override {
     std::remove(wantedPath.c_str());
@@ -104,17 +88,8 @@ TEST_P(AgentRollbackTest, ARefusedCallUndoesTheApplyInChipShadowAndConfiguration
   EXPECT_EQ(shadowHandles(), heldHandles());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    EveryCallOfTheApply, AgentRollbackTest,
-    testing::Values(chipsim_test::kAddMember, chipsim_test::kModifyMember,
-                    chipsim_test::kCreateGroup, chipsim_test::kAddMemberToGroup,
-                    chipsim_test::kGroupMemberStateSet, chipsim_test::kDelMemberFromGroup,
-                    chipsim_test::kModifyEntryWithSelector, chipsim_test::kAddEntry,
-                    chipsim_test::kSetDefaultEntryWithSelector, chipsim_test::kTableDelete,
-                    chipsim_test::kDelMember),
-    [](const testing::TestParamInfo<std::string>& info) {
-      return chipsim_test::pdShortName(info.param);
-    });
+INSTANTIATE_TEST_SUITE_P(EveryCallOfTheApply, AgentRollbackTest, testing::ValuesIn(kRollbackCalls),
+                         rollbackCaseName);
 
 }  // namespace
 }  // namespace mirrorlag_agent

@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "RollbackCase.h"
 #include "config/ConfigError.h"
 #include "core/ApplyError.h"
 #include "support/ChipsimLibrary.h"
-#include "support/PdFunctionNames.h"
 
 namespace mirrorlag_agent {
 namespace {
@@ -186,17 +186,9 @@ class ConfigApplierRollbackTest : public ConfigApplierTest,
                                   public testing::WithParamInterface<std::string> {};
 
 TEST_P(ConfigApplierRollbackTest, ARefusedChangeUndoesTheApply) {
-  apply(R"({"members": [{"id": 1, "selector": 10}, {"id": 2, "selector": 11}],
-            "groups": [{"id": 100, "size": 8, "members": [{"id": 1}, {"id": 2}]}],
-            "entries": [{"session": 5, "group": 100}, {"session": 6, "member": 2}],
-            "default": {"member": 1}})");
+  apply(kRollbackBefore);
   const ChipState before = chipState();
-  const AgentConfig wanted = AgentConfig::fromText(R"({
-    "members": [{"id": 1, "selector": 16}, {"id": 3, "selector": 12}],
-    "groups": [{"id": 100, "size": 8, "members": [{"id": 1}, {"id": 3, "active": false}]},
-               {"id": 200, "size": 4, "members": [{"id": 3}]}],
-    "entries": [{"session": 5, "group": 200}, {"session": 7, "member": 3}],
-    "default": {"group": 100}})");
+  const AgentConfig wanted = AgentConfig::fromText(kRollbackWanted);
   ASSERT_EQ(chip.failNext(GetParam().c_str(), 9, 1), 0);
   EXPECT_THROW(applier->apply(running, wanted), ApplyError);
   EXPECT_EQ(chipState(), before);
@@ -209,17 +201,8 @@ TEST_P(ConfigApplierRollbackTest, ARefusedChangeUndoesTheApply) {
   EXPECT_EQ(picks(5), (std::set<std::uint16_t>{12}));
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    EveryCallOfTheApply, ConfigApplierRollbackTest,
-    testing::Values(chipsim_test::kAddMember, chipsim_test::kModifyMember,
-                    chipsim_test::kCreateGroup, chipsim_test::kAddMemberToGroup,
-                    chipsim_test::kGroupMemberStateSet, chipsim_test::kDelMemberFromGroup,
-                    chipsim_test::kModifyEntryWithSelector, chipsim_test::kAddEntry,
-                    chipsim_test::kSetDefaultEntryWithSelector, chipsim_test::kTableDelete,
-                    chipsim_test::kDelMember),
-    [](const testing::TestParamInfo<std::string>& info) {
-      return chipsim_test::pdShortName(info.param);
-    });
+INSTANTIATE_TEST_SUITE_P(EveryCallOfTheApply, ConfigApplierRollbackTest,
+                         testing::ValuesIn(kRollbackCalls), rollbackCaseName);
 
 }  // namespace
 }  // namespace mirrorlag_agent
