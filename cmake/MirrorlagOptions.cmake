@@ -31,11 +31,3 @@ endif()
 if(MIRRORLAG_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
-
-# Every first-party target sees the repository root (for <chipsim/...> and
-# <BfIngressMirrorLagGroup/...>) and platform/ (for <Vel/...>, <Quill/...>).
-function(mirrorlag_target_includes target)
-  target_include_directories(${target} PUBLIC
-    ${PROJECT_SOURCE_DIR}
-    ${PROJECT_SOURCE_DIR}/platform)
-endfunction()
