@@ -197,6 +197,37 @@ CHIPSIM_API int chipsim_hold_lock_for_test(unsigned ms, void (*locked)(void* con
  */
 CHIPSIM_API void chipsim_kill_after_changes_for_test(unsigned changes);
 
+/*
+ * Every function above, listed once, for code that loads the library with
+ * dlopen and finds them by name: X(name, shortName), where shortName is the
+ * lower camel-case name such code gives the function.
+ */
+#define CHIPSIM_CONTROL_FUNCTIONS(X)             \
+  X(chipsim_config_default, configDefault)       \
+  X(chipsim_configure, configure)                \
+  X(chipsim_config_get, configGet)               \
+  X(chipsim_attach, attach)                      \
+  X(chipsim_attach_existing, attachExisting)     \
+  X(chipsim_unlink, unlink)                      \
+  X(chipsim_name, name)                          \
+  X(chipsim_reset, reset)                        \
+  X(chipsim_fail_next, failNext)                 \
+  X(chipsim_calls, calls)                        \
+  X(chipsim_entries, entries)                    \
+  X(chipsim_members, members)                    \
+  X(chipsim_groups, groups)                      \
+  X(chipsim_lookup_on_pipe, lookupOnPipe)        \
+  X(chipsim_lookup, lookup)                      \
+  X(chipsim_log_count, logCount)                 \
+  X(chipsim_log_line, logLine)                   \
+  X(chipsim_log_clear, logClear)                 \
+  X(chipsim_dump, dump)                          \
+  X(chipsim_check, check)                        \
+  X(chipsim_examine, examine)                    \
+  X(chipsim_last_fault, lastFault)               \
+  X(chipsim_hold_lock_for_test, holdLockForTest) \
+  X(chipsim_kill_after_changes_for_test, killAfterChangesForTest)
+
 #ifdef __cplusplus
 }
 #endif

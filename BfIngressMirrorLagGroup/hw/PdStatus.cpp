@@ -5,41 +5,24 @@
 #include "BfIngressMirrorLagGroup/hw/BfNoSysResources.h"
 #include "BfIngressMirrorLagGroup/hw/BfNotSupported.h"
 #include "BfIngressMirrorLagGroup/hw/BfTableFull.h"
+#include "Pd/PipeStatus.h"
 #include "Vel/Format.h"
 
 namespace BfIngressMirrorLagGroup {
 
 namespace {
 
-constexpr std::array<const char*, 25> statusTexts = {
-    "Success",
-    "Pipeline manager service not ready",
-    "No system resources",
-    "Invalid arguments",
-    "Object already exists",
-    "Communication failed",
-    "Object not found",
-    "Exceeded max sessions",
-    "Session not found",
-    "Not enough Space",
-    "Try again later",
-    "Initialization error",
-    "Not Supported In Transaction",
-    "Table is locked",
-    "IO Error",
-    "Unexpected",
-    "Action data entry is being referenced by match entries",
-    "Not supported",
-    "Updating hardware failed",
-    "No learning clients registered",
-    "Idle time update state already in progress",
-    "Device Locked",
-    "Internal Error",
-    "Table not found",
-    "Unknown Error",
+// The text of each status, indexed by its code.
+constexpr std::array statusTexts = {
+#define PIPE_STATUS_TEXT(code, name, text) text,
+    PIPE_STATUSES(PIPE_STATUS_TEXT)
+#undef PIPE_STATUS_TEXT
 };
+static_assert(statusTexts.size() == PIPE_STATUS_UNKNOWN_ERROR + 1,
+              "the codes run from 0 without a gap");
 
-constexpr pipe_status lastLookedUpStatus = 23;
+// The last status whose text is given; every code above it reads as this one.
+constexpr pipe_status lastLookedUpStatus = PIPE_STATUS_TABLE_NOT_FOUND;
 
 }  // namespace
 
@@ -50,15 +33,15 @@ const char* statusText(pipe_status status) noexcept {
 }
 
 void checkPdStatus(const char* pdFunctionName, pipe_status status) {
-  if (status == 0)
+  if (status == PIPE_STATUS_SUCCESS)
     return;
   Vel::String message = Vel::format("%s() failed: %s", pdFunctionName, statusText(status));
   switch (status) {
-    case 9:
+    case PIPE_STATUS_NO_SPACE:
       throw BfTable::BfTableFull(std::move(message));
-    case 2:
+    case PIPE_STATUS_NO_SYSTEM_RESOURCES:
       throw BfTable::BfNoSysResources(std::move(message));
-    case 17:
+    case PIPE_STATUS_NOT_SUPPORTED:
       throw BfTable::BfNotSupported(std::move(message));
     default:
       throw BfTable::BfTableException(status, std::move(message));

@@ -6,6 +6,7 @@
 #include "BfIngressMirrorLagGroup/hw/PdCall.h"
 #include "BfIngressMirrorLagGroup/hw/PluginTrace.h"
 #include "BfIngressMirrorLagGroup/hw/TableSourcePath.h"
+#include "Pd/PipeStatus.h"
 #include "Quill/Assert.h"
 #include "Vel/Allocate.h"
 
@@ -164,7 +165,7 @@ IngressMirrorLagGroupTableEntry IngressMirrorLagGroupTable::entryByHandle(
     return pd.p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry(
         pd.sessionId(), deviceId(*helper_), handle, false, &readKey, &mbr_or_grp_hdl, &isGroup);
   });
-  if (status != 0)
+  if (status != PIPE_STATUS_SUCCESS)
     return IngressMirrorLagGroupTableEntry();
   const Vel::Ptr<IngressMirrorLagGroupMatchSpec> match =
       Vel::allocate<IngressMirrorLagGroupMatchSpec>();

@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "Pd/PipeStatus.h"
 #include "host/LibrarySymbol.h"
 
 namespace mirrorlag_agent {
@@ -19,7 +20,8 @@ std::vector<std::uint32_t> walk(First first, Next next, p4_pd_session_handle_t s
   std::set<std::uint32_t> seen;
   std::uint32_t handle = 0;
   for (pipe_status status = first(session, device, &handle);
-       status == 0 && seen.insert(handle).second; status = next(session, device, handle, &handle))
+       status == PIPE_STATUS_SUCCESS && seen.insert(handle).second;
+       status = next(session, device, handle, &handle))
     handles.push_back(handle);
   return handles;
 }

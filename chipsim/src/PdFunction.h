@@ -4,37 +4,22 @@
 #include <optional>
 #include <string_view>
 
+#include "Pd/KestroSwitchPdFunctions.h"
+
 namespace chipsim {
 
 // The PD functions of the chip, for call counts, faults and the call log.
 enum class PdFunction : unsigned {
-  addEntry,
-  addEntryWithSelector,
-  modifyEntry,
-  modifyEntryWithSelector,
-  setDefaultEntry,
-  setDefaultEntryWithSelector,
-  tableDelete,
-  tableResetDefaultEntry,
-  setProperty,
-  getEntry,
-  matchSpecToEntryHdl,
-  addMember,
-  modifyMember,
-  delMember,
-  createGroup,
-  delGroup,
-  addMemberToGroup,
-  delMemberFromGroup,
-  groupMemberStateSet,
-  getFirstMember,
-  getNextMember,
-  getFirstGroup,
-  getNextGroup,
+#define CHIPSIM_PD_FUNCTION(name, shortName) shortName,
+  KESTRO_SWITCH_PD_FUNCTIONS(CHIPSIM_PD_FUNCTION)
+#undef CHIPSIM_PD_FUNCTION
 };
 
-inline constexpr std::size_t kPdFunctionCount =
-    static_cast<std::size_t>(PdFunction::getNextGroup) + 1;
+inline constexpr std::size_t kPdFunctionCount = 0
+#define CHIPSIM_PD_FUNCTION(name, shortName) +1
+    KESTRO_SWITCH_PD_FUNCTIONS(CHIPSIM_PD_FUNCTION)
+#undef CHIPSIM_PD_FUNCTION
+    ;
 
 // The exported C name of a PD function.
 std::string_view pdFunctionName(PdFunction function) noexcept;

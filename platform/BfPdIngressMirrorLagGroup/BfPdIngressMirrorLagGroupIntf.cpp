@@ -40,9 +40,9 @@ void BfPdIngressMirrorLagGroupIntf::dlHandleIs(void* dlHandle) {
 PdFunctionTable BfPdIngressMirrorLagGroupIntf::resolve(const Vel::Name& libraryName,
                                                        void* dlHandle) {
   PdFunctionTable table;
-#define BF_PD_RESOLVE(fn) \
+#define BF_PD_RESOLVE(fn, shortName) \
   table.fn = decltype(table.fn)(resolveOne<fn##_fn>(libraryName, dlHandle, #fn));
-  BF_PD_INGRESS_MIRROR_LAG_GROUP_FUNCTIONS(BF_PD_RESOLVE)
+  KESTRO_SWITCH_PD_TABLE_FUNCTIONS(BF_PD_RESOLVE)
 #undef BF_PD_RESOLVE
   return table;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "BfPdIngressMirrorLagGroup/PdFunction.h"
-#include "BfPdIngressMirrorLagGroup/PdFunctionList.h"
+#include "Pd/KestroSwitchPdFunctions.h"
 
 namespace BfPdIngressMirrorLagGroup {
 
@@ -9,14 +9,14 @@ namespace BfPdIngressMirrorLagGroup {
 // call through the table reads like a call of the PD function itself:
 // pdLib->p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry(...).
 struct PdFunctionTable {
-#define BF_PD_FUNCTION_MEMBER(name) PdFunction<PdFunctionId::name, name##_fn> name;
-  BF_PD_INGRESS_MIRROR_LAG_GROUP_FUNCTIONS(BF_PD_FUNCTION_MEMBER)
+#define BF_PD_FUNCTION_MEMBER(name, shortName) PdFunction<PdFunctionId::name, name##_fn> name;
+  KESTRO_SWITCH_PD_TABLE_FUNCTIONS(BF_PD_FUNCTION_MEMBER)
 #undef BF_PD_FUNCTION_MEMBER
 
   // Lets every function record through `recorder` (null: none records).
   void recorderIs(ShadowRecorder* recorder) noexcept {
-#define BF_PD_FUNCTION_RECORDER(name) name.recorderIs(recorder);
-    BF_PD_INGRESS_MIRROR_LAG_GROUP_FUNCTIONS(BF_PD_FUNCTION_RECORDER)
+#define BF_PD_FUNCTION_RECORDER(name, shortName) name.recorderIs(recorder);
+    KESTRO_SWITCH_PD_TABLE_FUNCTIONS(BF_PD_FUNCTION_RECORDER)
 #undef BF_PD_FUNCTION_RECORDER
   }
 };

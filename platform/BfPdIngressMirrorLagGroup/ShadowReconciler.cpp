@@ -1,5 +1,7 @@
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
 
+#include "Pd/PipeStatus.h"
+
 namespace BfPdIngressMirrorLagGroup {
 
 namespace {
@@ -10,9 +12,9 @@ using Vault::MbbPostcodef::opIdOf;
 using Vault::MbbPostcodef::ShadowOp;
 using Vault::MbbPostcodef::shadowOpOf;
 
-constexpr pipe_status kSuccess = 0;
-constexpr pipe_status kNotFound = 6;
-constexpr pipe_status kInUse = 16;
+constexpr pipe_status kSuccess = PIPE_STATUS_SUCCESS;
+constexpr pipe_status kNotFound = PIPE_STATUS_NOT_FOUND;
+constexpr pipe_status kInUse = PIPE_STATUS_IN_USE;
 
 // The op a finished record of an intent carries: the intent's own op for a
 // create, the op that created the object for a delete.

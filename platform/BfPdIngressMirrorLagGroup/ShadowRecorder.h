@@ -8,6 +8,7 @@
 #include "BfPdIngressMirrorLagGroup/ShadowStep.h"
 #include "MbbVaultKey/VaultKeyManager.h"
 #include "Pd/KestroSwitchPd.h"
+#include "Pd/PipeStatus.h"
 #include "Vel/Ptr.h"
 
 namespace BfPdIngressMirrorLagGroup {
@@ -60,7 +61,7 @@ class ShadowRecorder {
     probe(ShadowCallStep::intentWritten);
     pipe_status status = fn(args...);
     probe(ShadowCallStep::chipCalled);
-    finish(step, status == 0);
+    finish(step, status == PIPE_STATUS_SUCCESS);
     return status;
   }
 

@@ -42,10 +42,10 @@ class BfPdIngressMirrorLagGroupIntfTest : public testing::Test {
 
 TEST_F(BfPdIngressMirrorLagGroupIntfTest, ResolvesEveryPdFunctionFromTheHandle) {
   auto intf = Vel::allocate<BfPdIngressMirrorLagGroupIntf>("libchipsim.so", chipHandle, 7u);
-#define EXPECT_RESOLVED(fn)                                                \
+#define EXPECT_RESOLVED(fn, shortName)                                     \
   EXPECT_NE(reinterpret_cast<void*>(intf->fn.resolved()), nullptr) << #fn; \
   EXPECT_EQ(reinterpret_cast<void*>(intf->fn.resolved()), dlsym(chipHandle, #fn)) << #fn;
-  BF_PD_INGRESS_MIRROR_LAG_GROUP_FUNCTIONS(EXPECT_RESOLVED)
+  KESTRO_SWITCH_PD_TABLE_FUNCTIONS(EXPECT_RESOLVED)
 #undef EXPECT_RESOLVED
 }
 
