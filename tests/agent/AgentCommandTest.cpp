@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "AgentFixture.h"
+#include "Pd/PipeStatus.h"
 #include "support/ChipsimLibrary.h"
 
 namespace mirrorlag_agent {
@@ -122,9 +123,9 @@ TEST_F(AgentCommandTest, CheckFindsWhatWasChangedBehindTheAgentsBack) {
   const p4_pd_device_target_t allPipes{0, P4_PD_ALL_PIPES};
   p4_pd_kestro_switch_setLagMemberSelector_action_spec_t spec{99};
   std::uint32_t orphan = 0;
-  ASSERT_EQ(chip.addMember(1, allPipes, &spec, &orphan), 0);
+  ASSERT_EQ(chip.addMember(1, allPipes, &spec, &orphan), PIPE_STATUS_SUCCESS);
   // Member 2 (handle 2) of group 100 (handle 1) no longer selected.
-  ASSERT_EQ(chip.groupMemberStateSet(1, 0, 1, 2, P4_PD_GROUP_MEMBER_INACTIVE), 0);
+  ASSERT_EQ(chip.groupMemberStateSet(1, 0, 1, 2, P4_PD_GROUP_MEMBER_INACTIVE), PIPE_STATUS_SUCCESS);
   ASSERT_EQ(chip.attach(nullptr), 0);
   const Outcome checked = ctl("check");
   EXPECT_EQ(checked.status, 1);

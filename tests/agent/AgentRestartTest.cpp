@@ -14,6 +14,7 @@
 #include <nlohmann/json.hpp>
 
 #include "AgentFixture.h"
+#include "Pd/PipeStatus.h"
 #include "config/AgentConfig.h"
 #include "support/ChipContents.h"
 #include "support/ChipsimLibrary.h"
@@ -82,8 +83,8 @@ TEST_F(AgentStartTest, ARestartRemovesMembersAndGroupsThatNoRecordNames) {
   p4_pd_kestro_switch_setLagMemberSelector_action_spec_t spec{99};
   std::uint32_t member = 0;
   std::uint32_t group = 0;
-  ASSERT_EQ(chip.addMember(1, {0, P4_PD_ALL_PIPES}, &spec, &member), 0);
-  ASSERT_EQ(chip.createGroup(1, {0, P4_PD_ALL_PIPES}, 4, &group), 0);
+  ASSERT_EQ(chip.addMember(1, {0, P4_PD_ALL_PIPES}, &spec, &member), PIPE_STATUS_SUCCESS);
+  ASSERT_EQ(chip.createGroup(1, {0, P4_PD_ALL_PIPES}, 4, &group), PIPE_STATUS_SUCCESS);
   ASSERT_EQ(chip.attach(nullptr), 0);
   startAgent();
   // The old group, and the unrecorded member and group.

@@ -1,5 +1,7 @@
 #include "ChipTest.h"
 
+#include "Pd/PipeStatus.h"
+
 namespace chipsim_test {
 
 chipsim_config ChipTest::smallConfig() {
@@ -30,32 +32,32 @@ std::string ChipTest::fault() {
 uint32_t ChipTest::addMember(uint16_t selector) {
   ActionSpec spec{selector};
   uint32_t handle = 0;
-  EXPECT_EQ(pd.addMember(1, kAllPipes, &spec, &handle), 0);
+  EXPECT_EQ(pd.addMember(1, kAllPipes, &spec, &handle), PIPE_STATUS_SUCCESS);
   return handle;
 }
 
 uint32_t ChipTest::createGroup(uint32_t size) {
   uint32_t handle = 0;
-  EXPECT_EQ(pd.createGroup(1, kAllPipes, size, &handle), 0);
+  EXPECT_EQ(pd.createGroup(1, kAllPipes, size, &handle), PIPE_STATUS_SUCCESS);
   return handle;
 }
 
 uint32_t ChipTest::addEntry(uint16_t key, uint32_t member, uint32_t pipe) {
   MatchSpec match{key};
   uint32_t handle = 0;
-  EXPECT_EQ(pd.addEntry(1, {0, pipe}, &match, member, &handle), 0);
+  EXPECT_EQ(pd.addEntry(1, {0, pipe}, &match, member, &handle), PIPE_STATUS_SUCCESS);
   return handle;
 }
 
 uint32_t ChipTest::addGroupEntry(uint16_t key, uint32_t group, uint32_t pipe) {
   MatchSpec match{key};
   uint32_t handle = 0;
-  EXPECT_EQ(pd.addEntryWithSelector(1, {0, pipe}, &match, group, &handle), 0);
+  EXPECT_EQ(pd.addEntryWithSelector(1, {0, pipe}, &match, group, &handle), PIPE_STATUS_SUCCESS);
   return handle;
 }
 
 void ChipTest::addToGroup(uint32_t group, uint32_t member) {
-  EXPECT_EQ(pd.addMemberToGroup(1, 0, group, member), 0);
+  EXPECT_EQ(pd.addMemberToGroup(1, 0, group, member), PIPE_STATUS_SUCCESS);
 }
 
 int64_t ChipTest::totalCalls() {

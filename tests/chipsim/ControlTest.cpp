@@ -7,6 +7,7 @@
 
 #include "ChipTest.h"
 #include "NamedChip.h"
+#include "Pd/PipeStatus.h"
 #include "chipsim/src/ChipHeader.h"
 
 namespace chipsim_test {
@@ -68,18 +69,18 @@ TEST_F(ControlTest, TheDeviceIdIsPartOfTheMakeUp) {
   ASSERT_EQ(pd.reset(), 0);
   ActionSpec spec{7};
   uint32_t member = 0;
-  EXPECT_EQ(pd.addMember(1, {0, 0}, &spec, &member), 3);
-  EXPECT_EQ(pd.addMember(1, {3, 0}, &spec, &member), 0);
+  EXPECT_EQ(pd.addMember(1, {0, 0}, &spec, &member), PIPE_STATUS_INVALID_ARGUMENT);
+  EXPECT_EQ(pd.addMember(1, {3, 0}, &spec, &member), PIPE_STATUS_SUCCESS);
 }
 
 TEST_F(ControlTest, ResetEmptiesTheChip) {
-  ASSERT_EQ(pd.setProperty(1, 0, 1, 1), 0);
+  ASSERT_EQ(pd.setProperty(1, 0, 1, 1), PIPE_STATUS_SUCCESS);
   uint32_t member = addMember(7);
   uint32_t group = createGroup(2);
   addToGroup(group, member);
   addEntry(5, member);
   uint32_t entry = 0;
-  ASSERT_EQ(pd.setDefaultEntry(1, kAllPipes, member, &entry), 0);
+  ASSERT_EQ(pd.setDefaultEntry(1, kAllPipes, member, &entry), PIPE_STATUS_SUCCESS);
   ASSERT_EQ(pd.failNext(kAddMember.c_str(), 9, 1), 0);
   ASSERT_EQ(pd.reset(), 0);
   EXPECT_EQ(pd.entries(), 0u);

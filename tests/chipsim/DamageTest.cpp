@@ -13,6 +13,7 @@
 #include "ChipTest.h"
 #include "DamagedChip.h"
 #include "NamedChip.h"
+#include "Pd/PipeStatus.h"
 #include "ToolRun.h"
 
 namespace chipsim_test {
@@ -226,7 +227,7 @@ TEST_F(DamageTest, AWalkOfTheMembersNeverGoesRound) {
   }
   expectToolRefuses("members: slot 1 has handle 1");
   uint32_t handle = 0;
-  EXPECT_EQ(pd.getFirstMember(1, 0, &handle), 0);
+  EXPECT_EQ(pd.getFirstMember(1, 0, &handle), PIPE_STATUS_SUCCESS);
   EXPECT_EQ(handle, 1u);
   EXPECT_EQ(pd.getNextMember(1, 0, handle, &handle), kUnexpected);
 }

@@ -1,5 +1,7 @@
 #include "ChipTest.h"
 
+#include "Pd/PipeStatus.h"
+
 namespace chipsim_test {
 namespace {
 
@@ -41,14 +43,14 @@ TEST_F(EntryLookupTest, AKeyWithoutEntryIsNotFound) {
 
 TEST_F(EntryLookupTest, ADeletedEntryIsNotFound) {
   uint32_t added = addEntry(5, addMember(7));
-  ASSERT_EQ(pd.tableDelete(1, 0, added), 0);
+  ASSERT_EQ(pd.tableDelete(1, 0, added), PIPE_STATUS_SUCCESS);
   uint32_t entry = 0;
   EXPECT_EQ(find(5, P4_PD_ALL_PIPES, &entry), 6);
 }
 
 TEST_F(EntryLookupTest, TheDefaultEntryIsNeverFound) {
   uint32_t entry = 0;
-  ASSERT_EQ(pd.setDefaultEntry(1, kAllPipes, addMember(7), &entry), 0);
+  ASSERT_EQ(pd.setDefaultEntry(1, kAllPipes, addMember(7), &entry), PIPE_STATUS_SUCCESS);
   EXPECT_EQ(find(0, P4_PD_ALL_PIPES, &entry), 6);
 }
 
@@ -56,14 +58,15 @@ TEST_F(EntryLookupTest, RefusesBadArguments) {
   addEntry(5, addMember(7));
   MatchSpec match{5};
   uint32_t entry = 0;
-  EXPECT_EQ(pd.matchSpecToEntryHdl(1, kAllPipes, nullptr, &entry), 3);
+  EXPECT_EQ(pd.matchSpecToEntryHdl(1, kAllPipes, nullptr, &entry), PIPE_STATUS_INVALID_ARGUMENT);
   EXPECT_EQ(lastLine(),
             kMatchSpecToEntryHdl + "(sess=1, dev=0, pipe=0xffff, mirror_session=NULL) = 3");
-  EXPECT_EQ(pd.matchSpecToEntryHdl(1, kAllPipes, &match, nullptr), 3);
+  EXPECT_EQ(pd.matchSpecToEntryHdl(1, kAllPipes, &match, nullptr), PIPE_STATUS_INVALID_ARGUMENT);
   EXPECT_EQ(lastLine(),
             kMatchSpecToEntryHdl + "(sess=1, dev=0, pipe=0xffff, mirror_session=5) = 3 entry=NULL");
-  EXPECT_EQ(pd.matchSpecToEntryHdl(1, {1, P4_PD_ALL_PIPES}, &match, &entry), 3);
-  EXPECT_EQ(pd.matchSpecToEntryHdl(1, {0, 4}, &match, &entry), 3);
+  EXPECT_EQ(pd.matchSpecToEntryHdl(1, {1, P4_PD_ALL_PIPES}, &match, &entry),
+            PIPE_STATUS_INVALID_ARGUMENT);
+  EXPECT_EQ(pd.matchSpecToEntryHdl(1, {0, 4}, &match, &entry), PIPE_STATUS_INVALID_ARGUMENT);
   EXPECT_EQ(lastLine(), kMatchSpecToEntryHdl + "(sess=1, dev=0, pipe=0x4, mirror_session=5) = 3");
   EXPECT_EQ(entry, 0u);
 }

@@ -1,6 +1,7 @@
 #include <cerrno>
 
 #include "ChipTest.h"
+#include "Pd/PipeStatus.h"
 
 namespace chipsim_test {
 namespace {
@@ -46,7 +47,8 @@ TEST_F(LookupTest, AGroupEntryPicksAnActiveMemberByTheHash) {
 
 TEST_F(LookupTest, InactiveMembersAreSkipped) {
   makeGroupOfThree();
-  EXPECT_EQ(pd.groupMemberStateSet(1, 0, group, members[1], P4_PD_GROUP_MEMBER_INACTIVE), 0);
+  EXPECT_EQ(pd.groupMemberStateSet(1, 0, group, members[1], P4_PD_GROUP_MEMBER_INACTIVE),
+            PIPE_STATUS_SUCCESS);
   EXPECT_EQ(forward(5, 0), 10);
   EXPECT_EQ(forward(5, 1), 30);
   EXPECT_EQ(forward(5, 2), 10);
@@ -54,7 +56,7 @@ TEST_F(LookupTest, InactiveMembersAreSkipped) {
 
 TEST_F(LookupTest, RemovedMembersLeaveTheOthersInTheirOrder) {
   makeGroupOfThree();
-  EXPECT_EQ(pd.delMemberFromGroup(1, 0, group, members[0]), 0);
+  EXPECT_EQ(pd.delMemberFromGroup(1, 0, group, members[0]), PIPE_STATUS_SUCCESS);
   EXPECT_EQ(forward(5, 0), 20);
   EXPECT_EQ(forward(5, 1), 30);
 }
@@ -62,10 +64,11 @@ TEST_F(LookupTest, RemovedMembersLeaveTheOthersInTheirOrder) {
 TEST_F(LookupTest, AGroupWithoutActiveMembersIsAMissEvenWithADefaultEntry) {
   makeGroupOfThree();
   for (uint32_t member : members) {
-    EXPECT_EQ(pd.groupMemberStateSet(1, 0, group, member, P4_PD_GROUP_MEMBER_INACTIVE), 0);
+    EXPECT_EQ(pd.groupMemberStateSet(1, 0, group, member, P4_PD_GROUP_MEMBER_INACTIVE),
+              PIPE_STATUS_SUCCESS);
   }
   uint32_t entry = 0;
-  EXPECT_EQ(pd.setDefaultEntry(1, kAllPipes, members[0], &entry), 0);
+  EXPECT_EQ(pd.setDefaultEntry(1, kAllPipes, members[0], &entry), PIPE_STATUS_SUCCESS);
   EXPECT_EQ(forward(5, 0), -1);
 }
 
@@ -81,7 +84,7 @@ TEST_F(LookupTest, NoEntryIsAMiss) {
 }
 
 TEST_F(LookupTest, EntriesOfOnePipeServeThatPipe) {
-  ASSERT_EQ(pd.setProperty(1, 0, P4_PD_TABLE_PROPERTY_ENTRY_SCOPE, 1), 0);
+  ASSERT_EQ(pd.setProperty(1, 0, P4_PD_TABLE_PROPERTY_ENTRY_SCOPE, 1), PIPE_STATUS_SUCCESS);
   addEntry(5, addMember(10), 2);
   addEntry(5, addMember(20), 3);
   EXPECT_EQ(forward(5, 0, 0), -1);
@@ -91,7 +94,7 @@ TEST_F(LookupTest, EntriesOfOnePipeServeThatPipe) {
 }
 
 TEST_F(LookupTest, EntriesOfAllPipesServeEveryPipe) {
-  ASSERT_EQ(pd.setProperty(1, 0, P4_PD_TABLE_PROPERTY_ENTRY_SCOPE, 1), 0);
+  ASSERT_EQ(pd.setProperty(1, 0, P4_PD_TABLE_PROPERTY_ENTRY_SCOPE, 1), PIPE_STATUS_SUCCESS);
   addEntry(5, addMember(10));
   EXPECT_EQ(forward(5, 0, 0), 10);
   EXPECT_EQ(forward(5, 0, 3), 10);

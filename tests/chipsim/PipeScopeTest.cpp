@@ -1,5 +1,7 @@
 #include "ChipTest.h"
 
+#include "Pd/PipeStatus.h"
+
 namespace chipsim_test {
 namespace {
 
@@ -23,11 +25,11 @@ TEST_F(PipeScopeTest, SetPropertyLogsTheCall) {
 }
 
 TEST_F(PipeScopeTest, SetPropertyRefusesBadArguments) {
-  EXPECT_EQ(pd.setProperty(1, 1, 1, 1), 3);
+  EXPECT_EQ(pd.setProperty(1, 1, 1, 1), PIPE_STATUS_INVALID_ARGUMENT);
   EXPECT_EQ(lastLine(), kSetProperty + "(sess=1, dev=1, property=1, value=1) = 3");
-  EXPECT_EQ(pd.setProperty(1, 0, 2, 1), 3);
+  EXPECT_EQ(pd.setProperty(1, 0, 2, 1), PIPE_STATUS_INVALID_ARGUMENT);
   EXPECT_EQ(lastLine(), kSetProperty + "(sess=1, dev=0, property=2, value=1) = 3");
-  EXPECT_EQ(pd.setProperty(1, 0, 1, 2), 3);
+  EXPECT_EQ(pd.setProperty(1, 0, 1, 2), PIPE_STATUS_INVALID_ARGUMENT);
   EXPECT_EQ(lastLine(), kSetProperty + "(sess=1, dev=0, property=1, value=2) = 3");
 }
 

@@ -1,5 +1,7 @@
 #include "ChipTest.h"
 
+#include "Pd/PipeStatus.h"
+
 namespace chipsim_test {
 namespace {
 
@@ -33,9 +35,9 @@ class ReadBackTest : public ChipTest {
 
 TEST_F(ReadBackTest, AnEmptyProfileHasNoFirstMemberOrGroup) {
   uint32_t handle = 77;
-  EXPECT_EQ(pd.getFirstMember(1, 0, &handle), 6);
+  EXPECT_EQ(pd.getFirstMember(1, 0, &handle), PIPE_STATUS_NOT_FOUND);
   EXPECT_EQ(lastLine(), kGetFirstMember + "(sess=1, dev=0) = 6");
-  EXPECT_EQ(pd.getFirstGroup(1, 0, &handle), 6);
+  EXPECT_EQ(pd.getFirstGroup(1, 0, &handle), PIPE_STATUS_NOT_FOUND);
   EXPECT_EQ(lastLine(), kGetFirstGroup + "(sess=1, dev=0) = 6");
   EXPECT_EQ(handle, 77u);
 }
@@ -45,12 +47,12 @@ TEST_F(ReadBackTest, MembersAreWalkedInTheChipsOrderAndDeletedOnesSkipped) {
   const uint32_t b = addMember(11);
   const uint32_t c = addMember(12);
   EXPECT_EQ(members(), (std::vector<uint32_t>{a, b, c}));
-  ASSERT_EQ(pd.delMember(1, 0, b), 0);
+  ASSERT_EQ(pd.delMember(1, 0, b), PIPE_STATUS_SUCCESS);
   EXPECT_EQ(members(), (std::vector<uint32_t>{a, c}));
   uint32_t next = 0;
-  EXPECT_EQ(pd.getNextMember(4, 0, a, &next), 0);
+  EXPECT_EQ(pd.getNextMember(4, 0, a, &next), PIPE_STATUS_SUCCESS);
   EXPECT_EQ(lastLine(), kGetNextMember + "(sess=4, dev=0, mbr=1) = 0 mbr=3");
-  EXPECT_EQ(pd.getNextMember(4, 0, c, &next), 6);
+  EXPECT_EQ(pd.getNextMember(4, 0, c, &next), PIPE_STATUS_NOT_FOUND);
   EXPECT_EQ(lastLine(), kGetNextMember + "(sess=4, dev=0, mbr=3) = 6");
 }
 
@@ -58,33 +60,33 @@ TEST_F(ReadBackTest, GroupsAreWalkedInTheChipsOrderAndDeletedOnesSkipped) {
   const uint32_t a = createGroup(3);
   const uint32_t b = createGroup(3);
   EXPECT_EQ(groups(), (std::vector<uint32_t>{a, b}));
-  ASSERT_EQ(pd.delGroup(1, 0, a), 0);
+  ASSERT_EQ(pd.delGroup(1, 0, a), PIPE_STATUS_SUCCESS);
   EXPECT_EQ(groups(), (std::vector<uint32_t>{b}));
   uint32_t first = 0;
-  EXPECT_EQ(pd.getFirstGroup(2, 0, &first), 0);
+  EXPECT_EQ(pd.getFirstGroup(2, 0, &first), PIPE_STATUS_SUCCESS);
   EXPECT_EQ(lastLine(), kGetFirstGroup + "(sess=2, dev=0) = 0 grp=2");
 }
 
 TEST_F(ReadBackTest, AHandleThatNamesNothingEndsTheWalk) {
   const uint32_t a = addMember(10);
-  ASSERT_EQ(pd.delMember(1, 0, a), 0);
+  ASSERT_EQ(pd.delMember(1, 0, a), PIPE_STATUS_SUCCESS);
   uint32_t next = 0;
-  EXPECT_EQ(pd.getNextMember(1, 0, a, &next), 6);
-  EXPECT_EQ(pd.getNextMember(1, 0, 0, &next), 6);
-  EXPECT_EQ(pd.getNextGroup(1, 0, 99, &next), 6);
-  EXPECT_EQ(pd.getNextGroup(1, 0, 0, &next), 6);
+  EXPECT_EQ(pd.getNextMember(1, 0, a, &next), PIPE_STATUS_NOT_FOUND);
+  EXPECT_EQ(pd.getNextMember(1, 0, 0, &next), PIPE_STATUS_NOT_FOUND);
+  EXPECT_EQ(pd.getNextGroup(1, 0, 99, &next), PIPE_STATUS_NOT_FOUND);
+  EXPECT_EQ(pd.getNextGroup(1, 0, 0, &next), PIPE_STATUS_NOT_FOUND);
 }
 
 TEST_F(ReadBackTest, ABadDeviceOrANullOutIsRefused) {
   addMember(10);
   createGroup(2);
   uint32_t handle = 0;
-  EXPECT_EQ(pd.getFirstMember(1, 5, &handle), 3);
+  EXPECT_EQ(pd.getFirstMember(1, 5, &handle), PIPE_STATUS_INVALID_ARGUMENT);
   EXPECT_EQ(lastLine(), kGetFirstMember + "(sess=1, dev=5) = 3");
-  EXPECT_EQ(pd.getFirstMember(1, 0, nullptr), 3);
+  EXPECT_EQ(pd.getFirstMember(1, 0, nullptr), PIPE_STATUS_INVALID_ARGUMENT);
   EXPECT_EQ(lastLine(), kGetFirstMember + "(sess=1, dev=0) = 3 mbr=NULL");
-  EXPECT_EQ(pd.getFirstGroup(1, 5, &handle), 3);
-  EXPECT_EQ(pd.getNextGroup(1, 0, 1, nullptr), 3);
+  EXPECT_EQ(pd.getFirstGroup(1, 5, &handle), PIPE_STATUS_INVALID_ARGUMENT);
+  EXPECT_EQ(pd.getNextGroup(1, 0, 1, nullptr), PIPE_STATUS_INVALID_ARGUMENT);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "ChipTest.h"
 #include "NamedChip.h"
+#include "Pd/PipeStatus.h"
 #include "ToolRun.h"
 #include "chipsim/cli/HelpText.h"
 
@@ -26,17 +27,17 @@ class ToolTest : public ChipTest {
   // Two members (selectors 7 and 8) in a group where the second is inactive,
   // an entry for each, scoped per pipe, and a default entry.
   void makeTables() {
-    ASSERT_EQ(pd.setProperty(1, 0, 1, 1), 0);
+    ASSERT_EQ(pd.setProperty(1, 0, 1, 1), PIPE_STATUS_SUCCESS);
     uint32_t first = addMember(7);
     uint32_t second = addMember(8);
     uint32_t group = createGroup(3);
     addToGroup(group, first);
     addToGroup(group, second);
-    ASSERT_EQ(pd.groupMemberStateSet(1, 0, group, second, 1), 0);
+    ASSERT_EQ(pd.groupMemberStateSet(1, 0, group, second, 1), PIPE_STATUS_SUCCESS);
     addEntry(5, first, 1);
     addGroupEntry(6, group);
     uint32_t entry = 0;
-    ASSERT_EQ(pd.setDefaultEntry(1, kAllPipes, second, &entry), 0);
+    ASSERT_EQ(pd.setDefaultEntry(1, kAllPipes, second, &entry), PIPE_STATUS_SUCCESS);
   }
 
   ToolRun tool(std::vector<std::string> arguments) {
@@ -104,17 +105,17 @@ TEST_F(ToolTest, FaultFailsTheNextCallsOfAFunction) {
   EXPECT_EQ(run.err, "");
   MatchSpec match{5};
   uint32_t entry = 0;
-  EXPECT_EQ(pd.addEntry(1, kAllPipes, &match, member, &entry), 9);
+  EXPECT_EQ(pd.addEntry(1, kAllPipes, &match, member, &entry), PIPE_STATUS_NO_SPACE);
   EXPECT_EQ(lastLine(),
             kAddEntry + "(sess=1, dev=0, pipe=0xffff, mirror_session=5, mbr=1) = 9 (injected)");
-  EXPECT_EQ(pd.addEntry(1, kAllPipes, &match, member, &entry), 9);
-  EXPECT_EQ(pd.addEntry(1, kAllPipes, &match, member, &entry), 0);
+  EXPECT_EQ(pd.addEntry(1, kAllPipes, &match, member, &entry), PIPE_STATUS_NO_SPACE);
+  EXPECT_EQ(pd.addEntry(1, kAllPipes, &match, member, &entry), PIPE_STATUS_SUCCESS);
 }
 
 TEST_F(ToolTest, FaultCountsOneCallUnlessTold) {
   ASSERT_EQ(tool({"fault", kDelGroup, "0x10"}).exitStatus, 0);
-  EXPECT_EQ(pd.delGroup(1, 0, 1), 16);
-  EXPECT_EQ(pd.delGroup(1, 0, 1), 6);
+  EXPECT_EQ(pd.delGroup(1, 0, 1), PIPE_STATUS_IN_USE);
+  EXPECT_EQ(pd.delGroup(1, 0, 1), PIPE_STATUS_NOT_FOUND);
 }
 
 TEST_F(ToolTest, ForwardPrintsTheSelectorAPacketGets) {
@@ -240,7 +241,7 @@ TEST_F(ToolTest, AnEntryRemovedMidRunIsMissedByItsSessionOnly) {
     entries.push_back(addEntry(session, member));
   std::thread remover([&] {
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
-    EXPECT_EQ(pd.tableDelete(1, 0, entries[2]), 0);
+    EXPECT_EQ(pd.tableDelete(1, 0, entries[2]), PIPE_STATUS_SUCCESS);
   });
   ToolRun run = tool({"traffic", "--sessions", "0-3", "--seconds", "2"});
   remover.join();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "ActionProfileFixture.h"
+#include "Pd/PipeStatus.h"
 #include "Vel/ActivityManager.h"
 #include "Vel/Allocate.h"
 #include "Vel/BulkChange.h"
@@ -455,7 +456,7 @@ TEST_F(IngressMirrorLagGroupActionProfileSmTest, AsAZombieItDeletesEveryMemberTh
   startLog();
   sm->velDoZombieReactors(true);
   EXPECT_THAT(logLines(), IsEmpty());
-  EXPECT_EQ(chip.delMember(kPdSession, kDevice, m3), 0);
+  EXPECT_EQ(chip.delMember(kPdSession, kDevice, m3), PIPE_STATUS_SUCCESS);
 }
 
 // With the group's member reactor on the state machine, the chip refuses the

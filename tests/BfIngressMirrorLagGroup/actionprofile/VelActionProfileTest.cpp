@@ -5,6 +5,7 @@
 #include <string>
 
 #include "ActionProfileFixture.h"
+#include "Pd/PipeStatus.h"
 #include "Vel/Allocate.h"
 #include "support/ScratchShadowBase.h"
 #include "support/ShadowWalk.h"
@@ -39,7 +40,7 @@ class VelActionProfileTest : public ActionProfileFixture {
   std::uint32_t chipMember(std::uint16_t selector) const {
     const p4_pd_kestro_switch_setLagMemberSelector_action_spec_t spec{selector};
     std::uint32_t handle = 0;
-    EXPECT_EQ(chip.addMember(kPdSession, {kDevice, kPipe}, &spec, &handle), 0);
+    EXPECT_EQ(chip.addMember(kPdSession, {kDevice, kPipe}, &spec, &handle), PIPE_STATUS_SUCCESS);
     return handle;
   }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "FactoryTest.h"
+#include "Pd/PipeStatus.h"
 #include "Vault/SlotCopy.h"
 #include "Vault/TableLayout.h"
 #include "Vel/Format.h"
@@ -141,7 +142,7 @@ TEST_F(FactoryCorruptionTest, TheTableWorksAfterTheDamage) {
   startLog();
   table->entryIs(memberEntry(sessionMatch(1), 11));
   EXPECT_THAT(logLines(), ElementsAre(testing::StartsWith(chipsim_test::kModifyEntry + "(")));
-  ASSERT_EQ(chip.tableDelete(kSession, kDevice, handles[2]), 0);
+  ASSERT_EQ(chip.tableDelete(kSession, kDevice, handles[2]), PIPE_STATUS_SUCCESS);
   table->entryIs(memberEntry(matchOf(3), 11));
   EXPECT_EQ(chip.entries(), 4u);
 }

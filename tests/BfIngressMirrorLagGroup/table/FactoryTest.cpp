@@ -1,5 +1,6 @@
 #include "FactoryTest.h"
 
+#include "Pd/PipeStatus.h"
 #include "Vault/MbbPostcodef/ShadowOp.h"
 #include "Vel/Allocate.h"
 
@@ -64,7 +65,7 @@ Vel::Ptr<RecordingKeyManager> FactoryTest::shadowKeys() {
 std::uint32_t FactoryTest::chipMemberIs(std::uint16_t selector) {
   const p4_pd_kestro_switch_setLagMemberSelector_action_spec_t action{selector};
   std::uint32_t member = 0;
-  EXPECT_EQ(chip.addMember(kSession, {kDevice, kPipe}, &action, &member), 0);
+  EXPECT_EQ(chip.addMember(kSession, {kDevice, kPipe}, &action, &member), PIPE_STATUS_SUCCESS);
   return member;
 }
 
@@ -72,7 +73,7 @@ std::uint32_t FactoryTest::chipEntryIs(std::uint16_t session) {
   const std::uint32_t member = chipMemberIs(session);
   const p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t match{session};
   std::uint32_t entry = 0;
-  EXPECT_EQ(chip.addEntry(kSession, {kDevice, kPipe}, &match, member, &entry), 0);
+  EXPECT_EQ(chip.addEntry(kSession, {kDevice, kPipe}, &match, member, &entry), PIPE_STATUS_SUCCESS);
   return entry;
 }
 

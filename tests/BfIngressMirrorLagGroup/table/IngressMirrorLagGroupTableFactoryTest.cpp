@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "FactoryTest.h"
+#include "Pd/PipeStatus.h"
 #include "Vel/Allocate.h"
 
 namespace BfIngressMirrorLagGroup {
@@ -55,7 +56,7 @@ TEST_F(IngressMirrorLagGroupTableFactoryTest, ThePipeScopeDecidesWhetherKeysMayR
     const int added = chip.addEntry(kSession, {kDevice, 1}, &five, member, &other);
     if (pipe == 2) {
       EXPECT_EQ(added, 0);
-      EXPECT_EQ(chip.tableDelete(kSession, kDevice, other), 0);
+      EXPECT_EQ(chip.tableDelete(kSession, kDevice, other), PIPE_STATUS_SUCCESS);
     } else {
       EXPECT_EQ(added, 4);
     }
@@ -228,7 +229,7 @@ TEST_F(IngressMirrorLagGroupTableFactoryTest, ARecordOfAnEntryGoneFromTheChipIsS
   auto keys = shadowKeys();
   const std::uint32_t five = chipEntryIs(5);
   const std::uint32_t gone = chipEntryIs(6);
-  ASSERT_EQ(chip.tableDelete(kSession, kDevice, gone), 0);
+  ASSERT_EQ(chip.tableDelete(kSession, kDevice, gone), PIPE_STATUS_SUCCESS);
   entryRecordIs(*keys, 3, five, 5);
   entryRecordIs(*keys, 8, gone, 6);
   startLog();
@@ -246,7 +247,8 @@ TEST_F(IngressMirrorLagGroupTableFactoryTest, TheDefaultEntryIsAdoptedUnderTheDe
   auto keys = shadowKeys();
   const std::uint32_t five = chipEntryIs(5);
   std::uint32_t defaultHandle = 0;
-  ASSERT_EQ(chip.setDefaultEntry(kSession, {kDevice, 0xFFFF}, chipMemberIs(9), &defaultHandle), 0);
+  ASSERT_EQ(chip.setDefaultEntry(kSession, {kDevice, 0xFFFF}, chipMemberIs(9), &defaultHandle),
+            PIPE_STATUS_SUCCESS);
   ASSERT_EQ(defaultHandle, kDefaultEntryHandle);
   defaultRecordIs(*keys, 4, defaultHandle);
   entryRecordIs(*keys, 2, five, 5);
@@ -267,7 +269,8 @@ TEST_F(IngressMirrorLagGroupTableFactoryTest, TheDefaultEntryIsAdoptedUnderTheDe
 TEST_F(IngressMirrorLagGroupTableFactoryTest, SettingTheAdoptedDefaultEntryAgainKeepsItsHandle) {
   auto keys = shadowKeys();
   std::uint32_t defaultHandle = 0;
-  ASSERT_EQ(chip.setDefaultEntry(kSession, {kDevice, 0xFFFF}, chipMemberIs(9), &defaultHandle), 0);
+  ASSERT_EQ(chip.setDefaultEntry(kSession, {kDevice, 0xFFFF}, chipMemberIs(9), &defaultHandle),
+            PIPE_STATUS_SUCCESS);
   defaultRecordIs(*keys, 1, defaultHandle);
   makeTable(keys, nullptr);
   const std::uint32_t member = memberIs(11, 500);

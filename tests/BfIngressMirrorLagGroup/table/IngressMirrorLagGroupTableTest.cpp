@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Pd/PipeStatus.h"
 #include "TableTest.h"
 #include "Vel/Allocate.h"
 #include "Vel/Expect.h"
@@ -425,7 +426,7 @@ TEST_F(IngressMirrorLagGroupTableTest, AllPipesTargetIsPassedAsPipeFfff) {
   auto& handles = *allPipes->helper()->sdkHandles();
   const p4_pd_kestro_switch_setLagMemberSelector_action_spec_t spec{500};
   std::uint32_t mbr = 0;
-  ASSERT_EQ(chip.addMember(kSession, {kDevice, 0xFFFF}, &spec, &mbr), 0);
+  ASSERT_EQ(chip.addMember(kSession, {kDevice, 0xFFFF}, &spec, &mbr), PIPE_STATUS_SUCCESS);
   handles.memberIs(11, mbr);
   const auto match = matchOf(5);
   const auto defaultMatch = allPipes->defaultMatchSpecIs();

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 
+#include "Pd/PipeStatus.h"
 #include "Vel/Allocate.h"
 
 namespace BfIngressMirrorLagGroup {
@@ -93,14 +94,14 @@ IngressMirrorLagGroupTableEntry TableTest::groupEntry(
 std::uint32_t TableTest::memberIs(std::uint32_t memberId, std::uint16_t selector) {
   const p4_pd_kestro_switch_setLagMemberSelector_action_spec_t spec{selector};
   std::uint32_t handle = 0;
-  EXPECT_EQ(chip.addMember(kSession, {kDevice, kPipe}, &spec, &handle), 0);
+  EXPECT_EQ(chip.addMember(kSession, {kDevice, kPipe}, &spec, &handle), PIPE_STATUS_SUCCESS);
   registry().memberIs(memberId, handle);
   return handle;
 }
 
 std::uint32_t TableTest::groupIs(std::uint32_t groupId) {
   std::uint32_t handle = 0;
-  EXPECT_EQ(chip.createGroup(kSession, {kDevice, kPipe}, 4, &handle), 0);
+  EXPECT_EQ(chip.createGroup(kSession, {kDevice, kPipe}, 4, &handle), PIPE_STATUS_SUCCESS);
   registry().groupIs(groupId, handle);
   return handle;
 }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
+#include "Pd/PipeStatus.h"
 #include "ShadowChipTest.h"
 #include "ShadowWorkload.h"
 #include "Vault/WriteStep.h"
@@ -82,12 +83,12 @@ class ShadowKillLoopTest : public ShadowChipTest {
     const ChipContents chip = ChipContents::read();
     for (std::uint32_t group : chip.groups) {
       if (!manager->groupShadow()->keyOfHandle(group)) {
-        EXPECT_EQ(chipsim().delGroup(1, 0, group), 0);
+        EXPECT_EQ(chipsim().delGroup(1, 0, group), PIPE_STATUS_SUCCESS);
       }
     }
     for (std::uint32_t member : chip.members) {
       if (!manager->memberShadow()->keyOfHandle(member)) {
-        EXPECT_EQ(chipsim().delMember(1, 0, member), 0);
+        EXPECT_EQ(chipsim().delMember(1, 0, member), PIPE_STATUS_SUCCESS);
       }
     }
   }

@@ -1,5 +1,6 @@
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
 
+#include "Pd/PipeStatus.h"
 #include "ShadowChipTest.h"
 #include "Vel/Allocate.h"
 #include "support/ChipContents.h"
@@ -41,23 +42,23 @@ class ShadowReconcilerTest : public ShadowChipTest {
                              std::uint32_t pipe = P4_PD_ALL_PIPES) {
     PdMatchSpec spec{session};
     std::uint32_t handle = 0;
-    EXPECT_EQ(chipsim().addEntry(1, {0, pipe}, &spec, member, &handle), 0);
+    EXPECT_EQ(chipsim().addEntry(1, {0, pipe}, &spec, member, &handle), PIPE_STATUS_SUCCESS);
     return handle;
   }
   std::uint32_t chipAddMember() {
     PdActionSpec spec{1};
     std::uint32_t handle = 0;
-    EXPECT_EQ(chipsim().addMember(1, kAllPipes, &spec, &handle), 0);
+    EXPECT_EQ(chipsim().addMember(1, kAllPipes, &spec, &handle), PIPE_STATUS_SUCCESS);
     return handle;
   }
   std::uint32_t chipCreateGroup() {
     std::uint32_t handle = 0;
-    EXPECT_EQ(chipsim().createGroup(1, kAllPipes, 2, &handle), 0);
+    EXPECT_EQ(chipsim().createGroup(1, kAllPipes, 2, &handle), PIPE_STATUS_SUCCESS);
     return handle;
   }
   void chipSetDefault(std::uint32_t member) {
     std::uint32_t handle = 0;
-    EXPECT_EQ(chipsim().setDefaultEntry(1, kAllPipes, member, &handle), 0);
+    EXPECT_EQ(chipsim().setDefaultEntry(1, kAllPipes, member, &handle), PIPE_STATUS_SUCCESS);
   }
 
   static EntryConfig entryIntent(EntryKey key, std::uint16_t session, std::uint32_t replaced = 0,
@@ -187,7 +188,7 @@ TEST_F(ShadowReconcilerTest, AnEntryWhoseDeleteHappenedGoes) {
   auto match = newMatch();
   std::uint32_t entry = addEntry(match, 5, member);
   deleteIntent(*manager->entryShadow(), manager->key(match), ShadowOp::entryDelete);
-  ASSERT_EQ(chipsim().tableDelete(1, 0, entry), 0);
+  ASSERT_EQ(chipsim().tableDelete(1, 0, entry), PIPE_STATUS_SUCCESS);
   EXPECT_EQ(reconcile(), counts(0, 0, 1, 0));
   EXPECT_EQ(lastLine(), kGetEntry + "(sess=7, dev=0, entry=1, read_from_hw=false) = 6");
   EXPECT_TRUE(entryRecords().empty());
@@ -205,7 +206,7 @@ TEST_F(ShadowReconcilerTest, ADefaultEntryResetIsRestoredOrGoesAsTheChipSays) {
   EXPECT_EQ(shadowOpOf(entryRecords().front().opId()), ShadowOp::defaultEntrySet);
 
   deleteIntent(*manager->entryShadow(), manager->key(match), ShadowOp::defaultEntryReset);
-  ASSERT_EQ(chipsim().tableResetDefaultEntry(1, kAllPipes), 0);
+  ASSERT_EQ(chipsim().tableResetDefaultEntry(1, kAllPipes), PIPE_STATUS_SUCCESS);
   EXPECT_EQ(reconcile(), counts(0, 0, 1, 0));
   EXPECT_TRUE(entryRecords().empty());
 }
@@ -240,7 +241,7 @@ TEST_F(ShadowReconcilerTest, AnUnfinishedMemberDeleteIsFinished) {
 TEST_F(ShadowReconcilerTest, AMemberAlreadyDeletedGoes) {
   std::uint32_t member = addMember(7, 10);
   deleteIntent(*manager->memberShadow(), anonKey(7), ShadowOp::memberDelete);
-  ASSERT_EQ(chipsim().delMember(1, 0, member), 0);
+  ASSERT_EQ(chipsim().delMember(1, 0, member), PIPE_STATUS_SUCCESS);
   EXPECT_EQ(reconcile(), counts(0, 0, 1, 0));
   EXPECT_EQ(lastLine(), kDelMember + "(sess=7, dev=0, mbr=1) = 6");
   EXPECT_TRUE(memberRecords().empty());
