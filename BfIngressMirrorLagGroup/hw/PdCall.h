@@ -18,6 +18,8 @@ inline constexpr unsigned pdExceptionId = 1;
 // counted references; they are dropped before the status is returned.
 template <class Call>
 pipe_status pdCallStatus(const Vel::Ptr<IngressMirrorLagGroupTableHelper>& helper, Call&& call) {
+  // A counted copy on purpose: it keeps the helper alive while the call runs.
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
   const Vel::Ptr<IngressMirrorLagGroupTableHelper> heldHelper = helper;
   const Vel::Ptr<IngressMirrorLagGroupTableHelper::PdLib> pdLib = heldHelper->pdLib();
   const Vel::Ptr<IngressMirrorLagGroupTableHandles> heldHandles = heldHelper->sdkHandles();
