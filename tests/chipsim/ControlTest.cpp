@@ -5,7 +5,7 @@
 
 #include <cerrno>
 
-#include "ChipTest.h"
+#include "ChipFixture.h"
 #include "NamedChip.h"
 #include "Pd/PipeStatus.h"
 #include "chipsim/src/ChipHeader.h"
@@ -13,10 +13,10 @@
 namespace chipsim_test {
 namespace {
 
-class ControlTest : public ChipTest {
+class ControlTest : public ChipFixture {
  protected:
   void TearDown() override {
-    ChipTest::TearDown();
+    ChipFixture::TearDown();
     pd.attach(nullptr);
   }
 };

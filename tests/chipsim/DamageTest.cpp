@@ -10,7 +10,7 @@
 #include <functional>
 #include <string>
 
-#include "ChipTest.h"
+#include "ChipFixture.h"
 #include "DamagedChip.h"
 #include "NamedChip.h"
 #include "Pd/PipeStatus.h"
@@ -37,10 +37,10 @@ void PrintTo(const Damage& damage, std::ostream* out) {
 // A chip of the small make-up (4 entries, 4 members, 2 groups of at most 3)
 // holding member 1 (selector 7) and member 2, group 1 holding member 1,
 // entry 1 of session 5 on member 1 and entry 2 of session 6 on group 1.
-class DamageTest : public ChipTest {
+class DamageTest : public ChipFixture {
  protected:
   void SetUp() override {
-    ChipTest::SetUp();
+    ChipFixture::SetUp();
     ASSERT_EQ(pd.attach(chip.c_str()), 0);
     const uint32_t member = addMember(7);
     addMember(8);
@@ -52,7 +52,7 @@ class DamageTest : public ChipTest {
   void TearDown() override {
     // The damaged chip is left alone; the fixture's check looks at a new one.
     pd.attach(nullptr);
-    ChipTest::TearDown();
+    ChipFixture::TearDown();
   }
 
   ToolRun tool(std::vector<std::string> arguments) const {

@@ -1,11 +1,11 @@
-#include "ChipTest.h"
+#include "ChipFixture.h"
 
 #include "Pd/PipeStatus.h"
 
 namespace chipsim_test {
 namespace {
 
-class DefaultEntryTest : public ChipTest {};
+class DefaultEntryTest : public ChipFixture {};
 
 TEST_F(DefaultEntryTest, SetDefaultEntryGivesTheSameHandleEveryTime) {
   uint32_t first = addMember(7);

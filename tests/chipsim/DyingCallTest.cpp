@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <functional>
 
-#include "ChipTest.h"
+#include "ChipFixture.h"
 #include "NamedChip.h"
 #include "Processes.h"
 
@@ -13,14 +13,14 @@ namespace {
 
 // Calls made by processes that die at each change the call makes in turn:
 // after every death the next process finds the chip as it was before the call.
-class DyingCallTest : public ChipTest {
+class DyingCallTest : public ChipFixture {
  protected:
   void SetUp() override {
-    ChipTest::SetUp();
+    ChipFixture::SetUp();
     ASSERT_EQ(pd.attach(chip.c_str()), 0);
   }
   void TearDown() override {
-    ChipTest::TearDown();
+    ChipFixture::TearDown();
     pd.attach(nullptr);
   }
 

@@ -1,11 +1,11 @@
-#include "ChipTest.h"
+#include "ChipFixture.h"
 
 #include "Pd/PipeStatus.h"
 
 namespace chipsim_test {
 namespace {
 
-class EntryLookupTest : public ChipTest {
+class EntryLookupTest : public ChipFixture {
  protected:
   pipe_status find(uint16_t key, uint32_t pipe, uint32_t* entry) {
     MatchSpec match{key};

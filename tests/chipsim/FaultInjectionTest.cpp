@@ -1,12 +1,12 @@
 #include <cerrno>
 
-#include "ChipTest.h"
+#include "ChipFixture.h"
 #include "Pd/PipeStatus.h"
 
 namespace chipsim_test {
 namespace {
 
-class FaultInjectionTest : public ChipTest {};
+class FaultInjectionTest : public ChipFixture {};
 
 TEST_F(FaultInjectionTest, TheNextCallsFailAndChangeNothing) {
   uint32_t member = addMember(7);

@@ -1,11 +1,11 @@
-#include "ChipTest.h"
+#include "ChipFixture.h"
 
 #include "Pd/PipeStatus.h"
 
 namespace chipsim_test {
 namespace {
 
-class GroupTest : public ChipTest {};
+class GroupTest : public ChipFixture {};
 
 TEST_F(GroupTest, CreateGroupGivesAHandleAndLogsTheCall) {
   uint32_t group = 0;

@@ -1,12 +1,12 @@
 #include <cerrno>
 
-#include "ChipTest.h"
+#include "ChipFixture.h"
 #include "Pd/PipeStatus.h"
 
 namespace chipsim_test {
 namespace {
 
-class LookupTest : public ChipTest {
+class LookupTest : public ChipFixture {
  protected:
   // The selector a packet gets, or -1 on a miss (on every pipe with kAnyPipe).
   static constexpr uint32_t kAnyPipe = P4_PD_ALL_PIPES;

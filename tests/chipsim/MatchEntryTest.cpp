@@ -1,11 +1,11 @@
-#include "ChipTest.h"
+#include "ChipFixture.h"
 
 #include "Pd/PipeStatus.h"
 
 namespace chipsim_test {
 namespace {
 
-class MatchEntryTest : public ChipTest {};
+class MatchEntryTest : public ChipFixture {};
 
 TEST_F(MatchEntryTest, AddEntryGivesAHandleAndLogsTheCall) {
   uint32_t member = addMember(7);

@@ -1,11 +1,11 @@
-#include "ChipTest.h"
+#include "ChipFixture.h"
 
 #include "Pd/PipeStatus.h"
 
 namespace chipsim_test {
 namespace {
 
-class MemberTest : public ChipTest {};
+class MemberTest : public ChipFixture {};
 
 TEST_F(MemberTest, AddMemberGivesAHandleAndLogsTheCall) {
   ActionSpec spec{7};

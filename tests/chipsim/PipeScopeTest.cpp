@@ -1,11 +1,11 @@
-#include "ChipTest.h"
+#include "ChipFixture.h"
 
 #include "Pd/PipeStatus.h"
 
 namespace chipsim_test {
 namespace {
 
-class PipeScopeTest : public ChipTest {
+class PipeScopeTest : public ChipFixture {
  protected:
   pipe_status scope(uint32_t value) {
     return pd.setProperty(1, 0, P4_PD_TABLE_PROPERTY_ENTRY_SCOPE, value);

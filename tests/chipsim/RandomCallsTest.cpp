@@ -2,13 +2,13 @@
 #include <set>
 #include <thread>
 
-#include "ChipTest.h"
+#include "ChipFixture.h"
 #include "RandomCaller.h"
 
 namespace chipsim_test {
 namespace {
 
-class RandomCallsTest : public ChipTest {
+class RandomCallsTest : public ChipFixture {
  protected:
   void SetUp() override {
     chipsim_config config = smallConfig();

@@ -1,4 +1,4 @@
-#include "ChipTest.h"
+#include "ChipFixture.h"
 
 #include "Pd/PipeStatus.h"
 
@@ -13,7 +13,7 @@ const std::string kGetNextGroup = "p4_pd_kestro_switch_mirrorLagPortActionProfil
 
 // The optional read-back of the action profile: members and groups walked in
 // the chip's order, from the first to status 6 (not found).
-class ReadBackTest : public ChipTest {
+class ReadBackTest : public ChipFixture {
  protected:
   std::vector<uint32_t> members() {
     std::vector<uint32_t> handles;

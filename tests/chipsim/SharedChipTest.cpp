@@ -3,7 +3,7 @@
 
 #include <random>
 
-#include "ChipTest.h"
+#include "ChipFixture.h"
 #include "NamedChip.h"
 #include "Processes.h"
 #include "RandomCaller.h"
@@ -11,10 +11,10 @@
 namespace chipsim_test {
 namespace {
 
-class SharedChipTest : public ChipTest {
+class SharedChipTest : public ChipFixture {
  protected:
   void TearDown() override {
-    ChipTest::TearDown();
+    ChipFixture::TearDown();
     pd.attach(nullptr);
   }
 

@@ -1,4 +1,4 @@
-#include "ChipTest.h"
+#include "ChipFixture.h"
 #include "NamedChip.h"
 #include "Pd/PipeStatus.h"
 #include "ToolRun.h"
@@ -13,14 +13,14 @@
 namespace chipsim_test {
 namespace {
 
-class ToolTest : public ChipTest {
+class ToolTest : public ChipFixture {
  protected:
   void SetUp() override {
-    ChipTest::SetUp();
+    ChipFixture::SetUp();
     ASSERT_EQ(pd.attach(chip.c_str()), 0);
   }
   void TearDown() override {
-    ChipTest::TearDown();
+    ChipFixture::TearDown();
     pd.attach(nullptr);
   }
 

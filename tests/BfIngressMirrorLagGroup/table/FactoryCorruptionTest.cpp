@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "FactoryTest.h"
+#include "FactoryFixture.h"
 #include "Pd/PipeStatus.h"
 #include "Vault/SlotCopy.h"
 #include "Vault/TableLayout.h"
@@ -18,10 +18,10 @@ using testing::IsEmpty;
 // to 3 of the match-entry shadow table) and goes; the shadow table is then
 // damaged, after a restarted host re-attached it, and a second table adopts
 // from it.
-class FactoryCorruptionTest : public FactoryTest {
+class FactoryCorruptionTest : public FactoryFixture {
  protected:
   void SetUp() override {
-    FactoryTest::SetUp();
+    FactoryFixture::SetUp();
     {
       auto keys = shadowKeys();
       makeTable(keys, nullptr);
@@ -37,7 +37,7 @@ class FactoryCorruptionTest : public FactoryTest {
   }
   void TearDown() override {
     keys = nullptr;
-    FactoryTest::TearDown();
+    FactoryFixture::TearDown();
   }
 
   // The registry's match spec of `session`, or null.

@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "RestartTest.h"
+#include "RestartFixture.h"
 #include "support/ChipContents.h"
 #include "support/EnvironmentNumber.h"
 #include "support/KillCountdown.h"
@@ -28,10 +28,10 @@ using shadow_test::Killer;
 // configuration again without an exception, and the chip then holds every
 // entry once and nothing else. MIRRORLAG_FACTORY_KILLS sets how many
 // instances die (50 by default), MIRRORLAG_FACTORY_SEED the random seed.
-class FactoryKillLoopTest : public RestartTest {
+class FactoryKillLoopTest : public RestartFixture {
  protected:
   void SetUp() override {
-    RestartTest::SetUp();
+    RestartFixture::SetUp();
     attachNamedChip();
   }
 

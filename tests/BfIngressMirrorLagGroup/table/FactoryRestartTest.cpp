@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "RestartTest.h"
+#include "RestartFixture.h"
 #include "support/PdFunctionNames.h"
 
 namespace BfIngressMirrorLagGroup {
@@ -23,7 +23,7 @@ using chipsim_test::kSetDefaultEntry;
 
 using HandlePairs = std::vector<std::pair<std::uint16_t, std::uint32_t>>;
 
-class FactoryRestartTest : public RestartTest {
+class FactoryRestartTest : public RestartFixture {
  protected:
   // A call that creates a group or changes its members.
   static bool isGroupCall(const std::string& line) {

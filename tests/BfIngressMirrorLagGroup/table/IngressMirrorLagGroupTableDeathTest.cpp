@@ -3,7 +3,7 @@
 #include <string>
 
 #include "BfIngressMirrorLagGroup/hw/TableSourcePath.h"
-#include "TableTest.h"
+#include "TableFixture.h"
 #include "support/AssertionReport.h"
 
 namespace BfIngressMirrorLagGroup {
@@ -34,11 +34,11 @@ std::string report(unsigned line, const std::string& function, const std::string
   return test_support::assertionReport(tableSourcePath, line, function, text);
 }
 
-class IngressMirrorLagGroupTableDeathTest : public TableTest {
+class IngressMirrorLagGroupTableDeathTest : public TableFixture {
  protected:
   void SetUp() override {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    TableTest::SetUp();
+    TableFixture::SetUp();
   }
 };
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "BfIngressMirrorLagGroup/hw/TableSourcePath.h"
-#include "FactoryTest.h"
+#include "FactoryFixture.h"
 #include "Vel/Allocate.h"
 #include "support/AssertionReport.h"
 
@@ -29,11 +29,11 @@ std::string report(unsigned line, const std::string& text) {
   return test_support::assertionReport(tableSourcePath, line, kFactory, text);
 }
 
-class FactoryDeathTest : public FactoryTest {
+class FactoryDeathTest : public FactoryFixture {
  protected:
   void SetUp() override {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    FactoryTest::SetUp();
+    FactoryFixture::SetUp();
   }
 };
 

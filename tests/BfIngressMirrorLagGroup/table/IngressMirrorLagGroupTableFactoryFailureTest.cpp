@@ -5,7 +5,7 @@
 #include <string>
 #include <typeinfo>
 
-#include "FactoryTest.h"
+#include "FactoryFixture.h"
 #include "Vel/Expect.h"
 
 namespace BfIngressMirrorLagGroup {
@@ -22,7 +22,7 @@ void PrintTo(const SetPropertyFailure& failure, std::ostream* out) {
   *out << "status " << failure.status;
 }
 
-class FactoryFailureTest : public FactoryTest,
+class FactoryFailureTest : public FactoryFixture,
                            public testing::WithParamInterface<SetPropertyFailure> {
  protected:
   // What a failed factory call raised.

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "FactoryTest.h"
+#include "FactoryFixture.h"
 #include "Pd/PipeStatus.h"
 #include "Vel/Allocate.h"
 
@@ -15,7 +15,7 @@ using chipsim_test::kSetDefaultEntry;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class IngressMirrorLagGroupTableFactoryTest : public FactoryTest {};
+class IngressMirrorLagGroupTableFactoryTest : public FactoryFixture {};
 
 // "..._get_entry(sess=7, dev=3, entry=<handle>, read_from_hw=false) = <status>...".
 std::string getEntryLine(std::uint32_t handle, const std::string& result) {
@@ -23,7 +23,7 @@ std::string getEntryLine(std::uint32_t handle, const std::string& result) {
          ", read_from_hw=false) = " + result;
 }
 
-class FactoryPipeScopeTest : public FactoryTest,
+class FactoryPipeScopeTest : public FactoryFixture,
                              public testing::WithParamInterface<std::uint16_t> {};
 
 // The table's entries are scoped to its pipe in the chip, or shared by all
@@ -131,7 +131,7 @@ TEST_F(IngressMirrorLagGroupTableFactoryTest, ThePdObjectRecordsThroughTheKeyMan
   EXPECT_EQ(record->devPipeId(), kPipe);
 }
 
-class FactoryLatestKeyTest : public FactoryTest,
+class FactoryLatestKeyTest : public FactoryFixture,
                              public testing::WithParamInterface<std::vector<std::uint64_t>> {};
 
 // Records come in slot order, which is the order they were written in.

@@ -4,7 +4,7 @@
 #include <string>
 #include <typeinfo>
 
-#include "TableTest.h"
+#include "TableFixture.h"
 #include "Vel/Expect.h"
 
 namespace BfIngressMirrorLagGroup {
@@ -45,11 +45,11 @@ const char* textOf(pipe_status status) {
   return "?";
 }
 
-class IngressMirrorLagGroupTableFailureTest : public TableTest,
+class IngressMirrorLagGroupTableFailureTest : public TableFixture,
                                               public testing::WithParamInterface<FailureCase> {
  protected:
   void SetUp() override {
-    TableTest::SetUp();
+    TableFixture::SetUp();
     memberIs(11, 500);
     memberIs(12, 600);
     groupIs(4);
@@ -187,6 +187,9 @@ void PrintTo(const FailureCase& c, std::ostream* out) {
 
 INSTANTIATE_TEST_SUITE_P(EveryCall, IngressMirrorLagGroupTableFailureTest,
                          testing::ValuesIn(everyCallAndStatus()), caseName);
+
+// The table's failures outside the parameterised cases above.
+using TableTest = TableFixture;
 
 TEST_F(TableTest, FailedAddAllocatedItsKeyAndToldTheStatusManager) {
   memberIs(11, 500);

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "Pd/PipeStatus.h"
-#include "TableTest.h"
+#include "TableFixture.h"
 #include "Vel/Allocate.h"
 #include "Vel/Expect.h"
 
@@ -36,7 +36,7 @@ std::string addEntryWithSelectorLine(unsigned session, std::uint32_t grp, std::u
          ", grp=" + std::to_string(grp) + ") = 0 entry=" + std::to_string(handle);
 }
 
-class IngressMirrorLagGroupTableTest : public TableTest {};
+class IngressMirrorLagGroupTableTest : public TableFixture {};
 
 TEST_F(IngressMirrorLagGroupTableTest, IsAnUnnamedEntityWithItsTypeRecord) {
   EXPECT_EQ(table->name(), "");

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "BfIngressMirrorLagGroup/hw/PluginTrace.h"
-#include "TableTest.h"
+#include "TableFixture.h"
 #include "Vel/TraceCapture.h"
 
 namespace Vel {
@@ -47,11 +47,11 @@ Vel::TraceRecord record(unsigned level, unsigned line, const char* function,
 
 // Captures the plug-in's traces at a level for the test's lifetime, then
 // switches them off again.
-class IngressMirrorLagGroupTableTraceTest : public TableTest {
+class IngressMirrorLagGroupTableTraceTest : public TableFixture {
  protected:
   void TearDown() override {
     pluginTrace().levelIs(Vel::TraceHandle::off);
-    TableTest::TearDown();
+    TableFixture::TearDown();
   }
 
   Vel::TraceCapture capture;

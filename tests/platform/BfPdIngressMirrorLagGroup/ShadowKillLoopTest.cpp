@@ -8,7 +8,7 @@
 
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
 #include "Pd/PipeStatus.h"
-#include "ShadowChipTest.h"
+#include "ShadowChipFixture.h"
 #include "ShadowWorkload.h"
 #include "Vault/WriteStep.h"
 #include "support/ChipContents.h"
@@ -30,12 +30,12 @@ using chipsim_test::chipsim;
 // most one member or group without a record. MIRRORLAG_SHADOW_KILLS sets how
 // many processes die (at least 60 by default) and MIRRORLAG_SHADOW_SEED the
 // random seed.
-class ShadowKillLoopTest : public ShadowChipTest {
+class ShadowKillLoopTest : public ShadowChipFixture {
  protected:
   ShadowKillLoopTest() { capacity = {32, 32, 16}; }
 
   void SetUp() override {
-    ShadowChipTest::SetUp();
+    ShadowChipFixture::SetUp();
     useNamedChip();
     reattachManager();
   }

@@ -3,7 +3,7 @@
 #include <tuple>
 
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
-#include "ShadowChipTest.h"
+#include "ShadowChipFixture.h"
 #include "Vel/Allocate.h"
 
 namespace shadow_test {
@@ -106,11 +106,11 @@ void dieAt(ShadowCallStep step) {
   }
 }
 
-class ShadowKillTest : public ShadowChipTest,
+class ShadowKillTest : public ShadowChipFixture,
                        public testing::WithParamInterface<std::tuple<Call, Death>> {
  protected:
   void SetUp() override {
-    ShadowChipTest::SetUp();
+    ShadowChipFixture::SetUp();
     useNamedChip();
     reattachManager();
     member = addMember(1, 10);

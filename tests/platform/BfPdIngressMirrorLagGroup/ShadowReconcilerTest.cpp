@@ -1,7 +1,7 @@
 #include "BfPdIngressMirrorLagGroup/ShadowReconciler.h"
 
 #include "Pd/PipeStatus.h"
-#include "ShadowChipTest.h"
+#include "ShadowChipFixture.h"
 #include "Vel/Allocate.h"
 #include "support/ChipContents.h"
 
@@ -31,7 +31,7 @@ ShadowReconciliation counts(std::uint32_t completed, std::uint32_t restored, std
 
 // Intents as a process killed in the middle of a recorded call leaves them,
 // made here directly, with the chip in the state the call may have left.
-class ShadowReconcilerTest : public ShadowChipTest {
+class ShadowReconcilerTest : public ShadowChipFixture {
  protected:
   ShadowReconciliation reconcile(p4_pd_device_id_t device = 0) {
     return ShadowReconciler(*manager, *pd, device).reconcile();

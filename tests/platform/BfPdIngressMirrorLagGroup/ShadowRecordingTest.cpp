@@ -1,4 +1,4 @@
-#include "ShadowChipTest.h"
+#include "ShadowChipFixture.h"
 #include "Vel/Allocate.h"
 #include "Vel/RangeException.h"
 
@@ -40,7 +40,7 @@ SelGrpEntryConfig groupRecord(std::uint32_t id, std::uint32_t handle, std::uint3
                            handle, size, P4_PD_ALL_PIPES, replaced);
 }
 
-class ShadowRecordingTest : public ShadowChipTest {};
+class ShadowRecordingTest : public ShadowChipFixture {};
 
 TEST_F(ShadowRecordingTest, AddedMemberIsRecordedUnderItsAnonymousKey) {
   EXPECT_EQ(manager->allocAnon(7), anonKey(7));

@@ -4,7 +4,7 @@
 #include <map>
 #include <random>
 
-#include "ShadowChipTest.h"
+#include "ShadowChipFixture.h"
 
 namespace shadow_test {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "BfIngressMirrorLagGroup/table/IngressMirrorLagGroupTableFactory.h"
-#include "TableTest.h"
+#include "TableFixture.h"
 #include "support/ScratchShadowBase.h"
 
 namespace BfIngressMirrorLagGroup {
@@ -27,11 +27,11 @@ class RecordingKeyManager : public MbbVaultKey::VaultKeyManager {
   std::vector<MatchSpec> populated;
 };
 
-// Tables made by the factory on the chip of TableTest (device 3, session 7,
+// Tables made by the factory on the chip of TableFixture (device 3, session 7,
 // the chip model's library), on pipe 2 unless a test names another. The
 // fixture's own table is dropped: `table` and `helper` are the factory's.
 // Shadow tables, when a test wants them, live under a scratch base name.
-class FactoryTest : public TableTest {
+class FactoryFixture : public TableFixture {
  protected:
   using EntryConfig = Vault::MbbPostcodef::EntryConfig;
   using EntryKey = Vault::MbbPostcodef::EntryKey;

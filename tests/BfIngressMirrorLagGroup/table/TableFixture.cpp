@@ -1,4 +1,4 @@
-#include "TableTest.h"
+#include "TableFixture.h"
 
 #include <dlfcn.h>
 
@@ -38,7 +38,7 @@ OrderedKeyManager::EntryKey OrderedKeyManager::alloc(const MatchSpec& match, boo
   return VaultKeyManager::alloc(match, flag);
 }
 
-void TableTest::SetUp() {
+void TableFixture::SetUp() {
   chipsim_config config{};
   chip.configDefault(&config);
   config.device_id = kDevice;
@@ -54,7 +54,7 @@ void TableTest::SetUp() {
   table = Vel::allocate<IngressMirrorLagGroupTable>(helper, keyManager, statusManager);
 }
 
-void TableTest::TearDown() {
+void TableFixture::TearDown() {
   EXPECT_EQ(chipFault(), "");
   table = nullptr;
   helper = nullptr;
@@ -68,30 +68,30 @@ void TableTest::TearDown() {
   EXPECT_EQ(Vel::AllocTrackTypeInfo::of<IngressMirrorLagGroupMatchSpec>().liveObjects(), 0u);
 }
 
-Vel::Ptr<IngressMirrorLagGroupTable> TableTest::tableOnPipe(std::uint16_t pipe) {
+Vel::Ptr<IngressMirrorLagGroupTable> TableFixture::tableOnPipe(std::uint16_t pipe) {
   auto other = ingressMirrorLagGroupTableHelperFactory(kDevice, pipe);
   other->pdLibIs(CHIPSIM_LIBRARY, chipHandle, kSession);
   other->sdkHandlesIs();
   return Vel::allocate<IngressMirrorLagGroupTable>(other, nullptr, nullptr);
 }
 
-Vel::Ptr<const IngressMirrorLagGroupMatchSpec> TableTest::matchOf(std::uint16_t session) {
+Vel::Ptr<const IngressMirrorLagGroupMatchSpec> TableFixture::matchOf(std::uint16_t session) {
   auto match = Vel::allocate<IngressMirrorLagGroupMatchSpec>();
   match->ingMirrorMdMirrorSessionIs(session);
   return match;
 }
 
-IngressMirrorLagGroupTableEntry TableTest::memberEntry(
+IngressMirrorLagGroupTableEntry TableFixture::memberEntry(
     const Vel::Ptr<const IngressMirrorLagGroupMatchSpec>& match, std::uint32_t memberId) {
   return IngressMirrorLagGroupTableEntry(match, {memberId, true});
 }
 
-IngressMirrorLagGroupTableEntry TableTest::groupEntry(
+IngressMirrorLagGroupTableEntry TableFixture::groupEntry(
     const Vel::Ptr<const IngressMirrorLagGroupMatchSpec>& match, std::uint32_t groupId) {
   return IngressMirrorLagGroupTableEntry(match, {groupId, false});
 }
 
-std::uint32_t TableTest::memberIs(std::uint32_t memberId, std::uint16_t selector) {
+std::uint32_t TableFixture::memberIs(std::uint32_t memberId, std::uint16_t selector) {
   const p4_pd_kestro_switch_setLagMemberSelector_action_spec_t spec{selector};
   std::uint32_t handle = 0;
   EXPECT_EQ(chip.addMember(kSession, {kDevice, kPipe}, &spec, &handle), PIPE_STATUS_SUCCESS);
@@ -99,14 +99,14 @@ std::uint32_t TableTest::memberIs(std::uint32_t memberId, std::uint16_t selector
   return handle;
 }
 
-std::uint32_t TableTest::groupIs(std::uint32_t groupId) {
+std::uint32_t TableFixture::groupIs(std::uint32_t groupId) {
   std::uint32_t handle = 0;
   EXPECT_EQ(chip.createGroup(kSession, {kDevice, kPipe}, 4, &handle), PIPE_STATUS_SUCCESS);
   registry().groupIs(groupId, handle);
   return handle;
 }
 
-RegistrySnapshot TableTest::snapshot() const {
+RegistrySnapshot TableFixture::snapshot() const {
   RegistrySnapshot result;
   for (auto slot = registry().entries().begin(); slot; ++slot)
     result.entries.emplace_back(slot.key().get(), slot.value());
@@ -115,14 +115,14 @@ RegistrySnapshot TableTest::snapshot() const {
   return result;
 }
 
-void TableTest::startLog() {
+void TableFixture::startLog() {
   chip.logClear();
   events.clear();
   statusManager->clear();
   keyManager->clear();
 }
 
-std::vector<std::string> TableTest::logLines() {
+std::vector<std::string> TableFixture::logLines() {
   std::vector<std::string> lines;
   const auto& lib = chipsim_test::chipsim();
   const std::uint32_t count = lib.logCount();
@@ -131,12 +131,12 @@ std::vector<std::string> TableTest::logLines() {
   return lines;
 }
 
-std::string TableTest::lastLine() {
+std::string TableFixture::lastLine() {
   const std::vector<std::string> lines = logLines();
   return lines.empty() ? "" : lines.back();
 }
 
-std::string TableTest::chipFault() {
+std::string TableFixture::chipFault() {
   const char* fault = chipsim_test::chipsim().check();
   return fault != nullptr ? fault : "";
 }

@@ -17,7 +17,7 @@ using ActionSpec = p4_pd_kestro_switch_setLagMemberSelector_action_spec_t;
 // that the default entry's handle is 5; 4 members; 2 groups of at most 3
 // members; 4 pipes; 64 log lines) and ends by checking that the chip is
 // coherent.
-class ChipTest : public ::testing::Test {
+class ChipFixture : public ::testing::Test {
  protected:
   static constexpr p4_pd_device_target_t kAllPipes{0, P4_PD_ALL_PIPES};
   static constexpr uint32_t kDefaultEntry = 5;

@@ -1,4 +1,4 @@
-#include "ShadowChipTest.h"
+#include "ShadowChipFixture.h"
 
 #include <dlfcn.h>
 #include <sys/mman.h>
@@ -17,7 +17,7 @@ namespace shadow_test {
 
 using chipsim_test::chipsim;
 
-void ShadowChipTest::SetUp() {
+void ShadowChipFixture::SetUp() {
   chipsim_config config{.device_id = 0,
                         .pipes = 4,
                         .entries = 8,
@@ -33,7 +33,7 @@ void ShadowChipTest::SetUp() {
   pd = pdFor(manager);
 }
 
-void ShadowChipTest::TearDown() {
+void ShadowChipFixture::TearDown() {
   pd = nullptr;
   manager = nullptr;
   EXPECT_EQ(Vel::AllocTrackTypeInfo::of<PdIntf>().liveObjects(), 0u);
@@ -49,28 +49,28 @@ void ShadowChipTest::TearDown() {
   }
 }
 
-Vel::Ptr<VaultKeyManager> ShadowChipTest::attachManager() const {
+Vel::Ptr<VaultKeyManager> ShadowChipFixture::attachManager() const {
   return Vel::allocate<VaultKeyManager>(base.str(), capacity);
 }
 
-void ShadowChipTest::releaseManager() {
+void ShadowChipFixture::releaseManager() {
   pd = nullptr;
   manager = nullptr;
 }
 
-void ShadowChipTest::reattachManager() {
+void ShadowChipFixture::reattachManager() {
   releaseManager();
   manager = attachManager();
   pd = pdFor(manager);
 }
 
-Vel::Ptr<PdIntf> ShadowChipTest::pdFor(const Vel::Ptr<VaultKeyManager>& keys) const {
+Vel::Ptr<PdIntf> ShadowChipFixture::pdFor(const Vel::Ptr<VaultKeyManager>& keys) const {
   auto intf = Vel::allocate<PdIntf>("libchipsim.so", chipHandle, kSession);
   intf->vaultKeyManagerIs(keys);
   return intf;
 }
 
-std::uint32_t ShadowChipTest::addMember(std::uint32_t id, std::uint16_t selector) {
+std::uint32_t ShadowChipFixture::addMember(std::uint32_t id, std::uint16_t selector) {
   manager->allocAnon(id);
   PdActionSpec spec{selector};
   std::uint32_t handle = 0;
@@ -80,7 +80,7 @@ std::uint32_t ShadowChipTest::addMember(std::uint32_t id, std::uint16_t selector
   return handle;
 }
 
-std::uint32_t ShadowChipTest::createGroup(std::uint32_t id, std::uint32_t size) {
+std::uint32_t ShadowChipFixture::createGroup(std::uint32_t id, std::uint32_t size) {
   manager->allocAnon(id);
   std::uint32_t handle = 0;
   EXPECT_EQ(pd->p4_pd_kestro_switch_mirrorLagPortActionProfile_create_group(kSession, kAllPipes,
@@ -89,9 +89,9 @@ std::uint32_t ShadowChipTest::createGroup(std::uint32_t id, std::uint32_t size) 
   return handle;
 }
 
-std::uint32_t ShadowChipTest::addEntry(const VaultKeyManager::MatchSpec& match,
-                                       std::uint16_t session, std::uint32_t member,
-                                       std::uint32_t pipe) {
+std::uint32_t ShadowChipFixture::addEntry(const VaultKeyManager::MatchSpec& match,
+                                          std::uint16_t session, std::uint32_t member,
+                                          std::uint32_t pipe) {
   manager->alloc(match, false);
   PdMatchSpec spec{session};
   std::uint32_t handle = 0;
@@ -101,8 +101,8 @@ std::uint32_t ShadowChipTest::addEntry(const VaultKeyManager::MatchSpec& match,
   return handle;
 }
 
-std::uint32_t ShadowChipTest::addGroupEntry(const VaultKeyManager::MatchSpec& match,
-                                            std::uint16_t session, std::uint32_t group) {
+std::uint32_t ShadowChipFixture::addGroupEntry(const VaultKeyManager::MatchSpec& match,
+                                               std::uint16_t session, std::uint32_t group) {
   manager->alloc(match, false);
   PdMatchSpec spec{session};
   std::uint32_t handle = 0;
@@ -112,8 +112,8 @@ std::uint32_t ShadowChipTest::addGroupEntry(const VaultKeyManager::MatchSpec& ma
   return handle;
 }
 
-std::uint32_t ShadowChipTest::setDefaultEntry(const VaultKeyManager::MatchSpec& match,
-                                              std::uint32_t member) {
+std::uint32_t ShadowChipFixture::setDefaultEntry(const VaultKeyManager::MatchSpec& match,
+                                                 std::uint32_t member) {
   manager->alloc(match, false);
   std::uint32_t handle = 0;
   EXPECT_EQ(pd->p4_pd_kestro_switch_ingressMirrorLagGroup_set_default_entry(kSession, kAllPipes,
@@ -122,34 +122,34 @@ std::uint32_t ShadowChipTest::setDefaultEntry(const VaultKeyManager::MatchSpec& 
   return handle;
 }
 
-VaultKeyManager::MatchSpec ShadowChipTest::newMatch() {
+VaultKeyManager::MatchSpec ShadowChipFixture::newMatch() {
   return Vel::allocate<BfnTable::MatchSpecBase>();
 }
 
-std::vector<EntryConfig> ShadowChipTest::entryRecords() const {
+std::vector<EntryConfig> ShadowChipFixture::entryRecords() const {
   return walkShadow(manager->mbbVaultTableConfig()).records;
 }
 
-std::vector<AdtEntryConfig> ShadowChipTest::memberRecords() const {
+std::vector<AdtEntryConfig> ShadowChipFixture::memberRecords() const {
   return walkShadow(manager->adtVaultTableConfig()).records;
 }
 
-std::vector<SelGrpEntryConfig> ShadowChipTest::groupRecords() const {
+std::vector<SelGrpEntryConfig> ShadowChipFixture::groupRecords() const {
   return walkShadow(manager->selGrpVaultTableConfig()).records;
 }
 
-std::size_t ShadowChipTest::intents() const {
+std::size_t ShadowChipFixture::intents() const {
   return manager->entryShadow()->intents().size() + manager->memberShadow()->intents().size() +
          manager->groupShadow()->intents().size();
 }
 
-void ShadowChipTest::useNamedChip() {
+void ShadowChipFixture::useNamedChip() {
   chipName = base.str() + "-chip";
   chipsim().unlink(chipName.c_str());
   ASSERT_EQ(chipsim().attach(chipName.c_str()), 0);
 }
 
-int ShadowChipTest::inChild(const std::function<int()>& body) {
+int ShadowChipFixture::inChild(const std::function<int()>& body) {
   pid_t child = fork();
   if (child == 0) {
     _exit(body());
@@ -163,7 +163,7 @@ int ShadowChipTest::inChild(const std::function<int()>& body) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-std::size_t ShadowChipTest::expectRecordsMatchChip(const VaultKeyManager& keys) const {
+std::size_t ShadowChipFixture::expectRecordsMatchChip(const VaultKeyManager& keys) const {
   const ChipContents chip = ChipContents::read();
   EXPECT_TRUE(keys.entryShadow()->intents().empty());
   EXPECT_TRUE(keys.memberShadow()->intents().empty());
@@ -204,24 +204,24 @@ std::size_t ShadowChipTest::expectRecordsMatchChip(const VaultKeyManager& keys) 
   return unrecorded;
 }
 
-std::size_t ShadowChipTest::chipObjects() {
+std::size_t ShadowChipFixture::chipObjects() {
   const ChipContents chip = ChipContents::read();
   return chip.entries.size() + chip.members.size() + chip.groups.size() +
          (chip.defaultEntry ? 1 : 0);
 }
 
-std::size_t ShadowChipTest::recordCount(const VaultKeyManager& keys) {
+std::size_t ShadowChipFixture::recordCount(const VaultKeyManager& keys) {
   return keys.entryShadow()->records().size() + keys.memberShadow()->records().size() +
          keys.groupShadow()->records().size();
 }
 
-std::string ShadowChipTest::lastLine() {
+std::string ShadowChipFixture::lastLine() {
   std::uint32_t count = chipsim().logCount();
   const char* line = count ? chipsim().logLine(count - 1) : nullptr;
   return line ? line : "";
 }
 
-std::int64_t ShadowChipTest::calls(const std::string& function) {
+std::int64_t ShadowChipFixture::calls(const std::string& function) {
   return chipsim().calls(function.c_str());
 }
 

@@ -1,4 +1,4 @@
-#include "FactoryTest.h"
+#include "FactoryFixture.h"
 
 #include "Pd/PipeStatus.h"
 #include "Vault/MbbPostcodef/ShadowOp.h"
@@ -32,8 +32,8 @@ void RecordingKeyManager::latestKeyIs(const EntryKey& key) {
   VaultKeyManager::latestKeyIs(key);
 }
 
-void FactoryTest::SetUp() {
-  TableTest::SetUp();
+void FactoryFixture::SetUp() {
+  TableFixture::SetUp();
   // The fixture's own table goes; the factory makes the ones tested here.
   table = nullptr;
   helper = nullptr;
@@ -45,31 +45,31 @@ void FactoryTest::SetUp() {
             0);
 }
 
-void FactoryTest::TearDown() {
+void FactoryFixture::TearDown() {
   status = nullptr;
-  TableTest::TearDown();
+  TableFixture::TearDown();
 }
 
-void FactoryTest::makeTable(Vel::Ptr<MbbVaultKey::VaultKeyManager> keys,
-                            Vel::Ptr<BfnTableStatusManager::StatusManager> statusManager,
-                            std::uint16_t pipe) {
+void FactoryFixture::makeTable(Vel::Ptr<MbbVaultKey::VaultKeyManager> keys,
+                               Vel::Ptr<BfnTableStatusManager::StatusManager> statusManager,
+                               std::uint16_t pipe) {
   table = ingressMirrorLagGroupTableFactory(std::move(keys), std::move(statusManager), chipHandle,
                                             kSession, kDevice, pipe, CHIPSIM_LIBRARY);
   helper = table->helper();
 }
 
-Vel::Ptr<RecordingKeyManager> FactoryTest::shadowKeys() {
+Vel::Ptr<RecordingKeyManager> FactoryFixture::shadowKeys() {
   return Vel::allocate<RecordingKeyManager>(base.str(), capacity);
 }
 
-std::uint32_t FactoryTest::chipMemberIs(std::uint16_t selector) {
+std::uint32_t FactoryFixture::chipMemberIs(std::uint16_t selector) {
   const p4_pd_kestro_switch_setLagMemberSelector_action_spec_t action{selector};
   std::uint32_t member = 0;
   EXPECT_EQ(chip.addMember(kSession, {kDevice, kPipe}, &action, &member), PIPE_STATUS_SUCCESS);
   return member;
 }
 
-std::uint32_t FactoryTest::chipEntryIs(std::uint16_t session) {
+std::uint32_t FactoryFixture::chipEntryIs(std::uint16_t session) {
   const std::uint32_t member = chipMemberIs(session);
   const p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t match{session};
   std::uint32_t entry = 0;
@@ -77,21 +77,21 @@ std::uint32_t FactoryTest::chipEntryIs(std::uint16_t session) {
   return entry;
 }
 
-void FactoryTest::entryRecordIs(const MbbVaultKey::VaultKeyManager& keys, std::uint64_t key,
-                                std::uint32_t handle, std::uint16_t session) {
+void FactoryFixture::entryRecordIs(const MbbVaultKey::VaultKeyManager& keys, std::uint64_t key,
+                                   std::uint32_t handle, std::uint16_t session) {
   keys.entryShadow()->recordIs(EntryConfig(EntryKey::fromValue(key),
                                            Vault::MbbPostcodef::opIdOf(ShadowOp::entryAdd), handle,
                                            session, kPipe));
 }
 
-void FactoryTest::defaultRecordIs(const MbbVaultKey::VaultKeyManager& keys, std::uint64_t key,
-                                  std::uint32_t handle) {
+void FactoryFixture::defaultRecordIs(const MbbVaultKey::VaultKeyManager& keys, std::uint64_t key,
+                                     std::uint32_t handle) {
   keys.entryShadow()->recordIs(EntryConfig(EntryKey::fromValue(key),
                                            Vault::MbbPostcodef::opIdOf(ShadowOp::defaultEntrySet),
                                            handle, 0, kPipe));
 }
 
-int FactoryTest::sessionOfHandle(std::uint32_t handle) const {
+int FactoryFixture::sessionOfHandle(std::uint32_t handle) const {
   for (auto slot = registry().entries().begin(); slot; ++slot) {
     if (slot.value() == handle)
       return slot.key()->ingMirrorMdMirrorSession();
@@ -99,14 +99,14 @@ int FactoryTest::sessionOfHandle(std::uint32_t handle) const {
   return -1;
 }
 
-std::vector<std::string> FactoryTest::statusCalls() const {
+std::vector<std::string> FactoryFixture::statusCalls() const {
   std::vector<std::string> texts;
   for (const auto& call : status->calls())
     texts.push_back(call.text());
   return texts;
 }
 
-std::string FactoryTest::setPropertyLine(std::uint32_t value, int status) {
+std::string FactoryFixture::setPropertyLine(std::uint32_t value, int status) {
   return kSetProperty + "(sess=7, dev=3, property=1, value=" + std::to_string(value) +
          ") = " + std::to_string(status);
 }

@@ -1,4 +1,4 @@
-#include "RestartTest.h"
+#include "RestartFixture.h"
 
 #include <dlfcn.h>
 #include <sys/wait.h>
@@ -14,7 +14,7 @@
 
 namespace BfIngressMirrorLagGroup {
 
-void RestartTest::SetUp() {
+void RestartFixture::SetUp() {
   chipsim_config config{};
   chip.configDefault(&config);
   config.device_id = TableInstance::kDevice;
@@ -31,7 +31,7 @@ void RestartTest::SetUp() {
   ASSERT_NE(chipHandle, nullptr) << dlerror();
 }
 
-void RestartTest::TearDown() {
+void RestartFixture::TearDown() {
   const char* fault = chip.check();
   EXPECT_EQ(fault != nullptr ? std::string(fault) : "", "");
   chip.attach(nullptr);
@@ -44,22 +44,23 @@ void RestartTest::TearDown() {
   EXPECT_EQ(Vel::AllocTrackTypeInfo::of<MbbVaultKey::VaultKeyManager>().liveObjects(), 0u);
 }
 
-void RestartTest::attachNamedChip() {
+void RestartFixture::attachNamedChip() {
   ASSERT_EQ(chip.attach(chipName.c_str()), 0);
 }
 
-std::unique_ptr<TableInstance> RestartTest::start(const TableInstance::Attached& attached) const {
+std::unique_ptr<TableInstance> RestartFixture::start(
+    const TableInstance::Attached& attached) const {
   return std::make_unique<TableInstance>(base.str(), capacity, chipHandle, attached);
 }
 
-pid_t RestartTest::fork(const std::function<int()>& body) {
+pid_t RestartFixture::fork(const std::function<int()>& body) {
   const pid_t child = ::fork();
   if (child == 0)
     _exit(body());
   return child;
 }
 
-int RestartTest::wait(pid_t child) {
+int RestartFixture::wait(pid_t child) {
   int status = 0;
   while (waitpid(child, &status, 0) < 0) {
     if (errno != EINTR)
@@ -68,7 +69,7 @@ int RestartTest::wait(pid_t child) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
-void RestartTest::expectProgrammed(const WantedConfig& config, const TableInstance& instance) {
+void RestartFixture::expectProgrammed(const WantedConfig& config, const TableInstance& instance) {
   const shadow_test::ChipContents contents = shadow_test::ChipContents::read();
   std::map<std::uint16_t, std::uint32_t> chipEntries;
   for (const auto& [handle, session] : contents.entries) {
@@ -84,8 +85,8 @@ void RestartTest::expectProgrammed(const WantedConfig& config, const TableInstan
             *contents.defaultEntry);
 }
 
-std::size_t RestartTest::expectActionProfileProgrammed(const WantedConfig& config,
-                                                       const TableInstance& instance) {
+std::size_t RestartFixture::expectActionProfileProgrammed(const WantedConfig& config,
+                                                          const TableInstance& instance) {
   const shadow_test::ChipContents contents = shadow_test::ChipContents::read();
   std::set<std::uint32_t> members;
   for (const auto& [id, selector] : config.members)
@@ -105,7 +106,7 @@ std::size_t RestartTest::expectActionProfileProgrammed(const WantedConfig& confi
   return contents.groups.size() - std::min(contents.groups.size(), config.groups.size());
 }
 
-std::vector<std::string> RestartTest::logLines() {
+std::vector<std::string> RestartFixture::logLines() {
   const auto& lib = chipsim_test::chipsim();
   std::vector<std::string> lines;
   const std::uint32_t count = lib.logCount();
@@ -114,7 +115,7 @@ std::vector<std::string> RestartTest::logLines() {
   return lines;
 }
 
-std::set<std::uint16_t> RestartTest::addedSessions(const std::vector<std::string>& lines) {
+std::set<std::uint16_t> RestartFixture::addedSessions(const std::vector<std::string>& lines) {
   std::set<std::uint16_t> sessions;
   for (const std::string& line : lines) {
     if (line.rfind(chipsim_test::kAddEntry + "(", 0) != 0 &&
@@ -129,7 +130,7 @@ std::set<std::uint16_t> RestartTest::addedSessions(const std::vector<std::string
   return sessions;
 }
 
-std::set<std::uint16_t> RestartTest::chipSessions() {
+std::set<std::uint16_t> RestartFixture::chipSessions() {
   std::set<std::uint16_t> sessions;
   for (const auto& [handle, session] : shadow_test::ChipContents::read().entries)
     sessions.insert(session);

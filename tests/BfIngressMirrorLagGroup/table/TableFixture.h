@@ -52,7 +52,7 @@ class OrderedKeyManager : public MbbVaultKey::VaultKeyManager {
 // host loads a PD library. The status manager and the key manager record every
 // call. Each test ends by checking that the chip is coherent and that no table,
 // helper or match spec is left alive.
-class TableTest : public testing::Test {
+class TableFixture : public testing::Test {
  protected:
   static constexpr std::uint8_t kDevice = 3;
   static constexpr std::uint16_t kPipe = 2;

@@ -19,7 +19,7 @@ namespace BfIngressMirrorLagGroup {
 // Instances of a host that restart on one named chip and one base name of
 // shadow tables, both this test's own and removed at its end. The chip holds
 // 4096 entries on device 0; the process starts on a private chip.
-class RestartTest : public testing::Test {
+class RestartFixture : public testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;

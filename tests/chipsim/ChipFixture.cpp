@@ -1,10 +1,10 @@
-#include "ChipTest.h"
+#include "ChipFixture.h"
 
 #include "Pd/PipeStatus.h"
 
 namespace chipsim_test {
 
-chipsim_config ChipTest::smallConfig() {
+chipsim_config ChipFixture::smallConfig() {
   return {.device_id = 0,
           .pipes = 4,
           .entries = 4,
@@ -14,53 +14,53 @@ chipsim_config ChipTest::smallConfig() {
           .log_lines = 64};
 }
 
-void ChipTest::SetUp() {
+void ChipFixture::SetUp() {
   chipsim_config config = smallConfig();
   ASSERT_EQ(pd.configure(&config), 0);
   ASSERT_EQ(pd.attach(nullptr), 0);
 }
 
-void ChipTest::TearDown() {
+void ChipFixture::TearDown() {
   EXPECT_EQ(fault(), "");
 }
 
-std::string ChipTest::fault() {
+std::string ChipFixture::fault() {
   const char* found = chipsim().check();
   return found ? found : "";
 }
 
-uint32_t ChipTest::addMember(uint16_t selector) {
+uint32_t ChipFixture::addMember(uint16_t selector) {
   ActionSpec spec{selector};
   uint32_t handle = 0;
   EXPECT_EQ(pd.addMember(1, kAllPipes, &spec, &handle), PIPE_STATUS_SUCCESS);
   return handle;
 }
 
-uint32_t ChipTest::createGroup(uint32_t size) {
+uint32_t ChipFixture::createGroup(uint32_t size) {
   uint32_t handle = 0;
   EXPECT_EQ(pd.createGroup(1, kAllPipes, size, &handle), PIPE_STATUS_SUCCESS);
   return handle;
 }
 
-uint32_t ChipTest::addEntry(uint16_t key, uint32_t member, uint32_t pipe) {
+uint32_t ChipFixture::addEntry(uint16_t key, uint32_t member, uint32_t pipe) {
   MatchSpec match{key};
   uint32_t handle = 0;
   EXPECT_EQ(pd.addEntry(1, {0, pipe}, &match, member, &handle), PIPE_STATUS_SUCCESS);
   return handle;
 }
 
-uint32_t ChipTest::addGroupEntry(uint16_t key, uint32_t group, uint32_t pipe) {
+uint32_t ChipFixture::addGroupEntry(uint16_t key, uint32_t group, uint32_t pipe) {
   MatchSpec match{key};
   uint32_t handle = 0;
   EXPECT_EQ(pd.addEntryWithSelector(1, {0, pipe}, &match, group, &handle), PIPE_STATUS_SUCCESS);
   return handle;
 }
 
-void ChipTest::addToGroup(uint32_t group, uint32_t member) {
+void ChipFixture::addToGroup(uint32_t group, uint32_t member) {
   EXPECT_EQ(pd.addMemberToGroup(1, 0, group, member), PIPE_STATUS_SUCCESS);
 }
 
-int64_t ChipTest::totalCalls() {
+int64_t ChipFixture::totalCalls() {
   int64_t total = 0;
   for (const std::string& name : kPdFunctions) {
     total += chipsim().calls(name.c_str());
@@ -68,7 +68,7 @@ int64_t ChipTest::totalCalls() {
   return total;
 }
 
-std::vector<std::string> ChipTest::logLines() {
+std::vector<std::string> ChipFixture::logLines() {
   std::vector<std::string> lines;
   for (uint32_t i = 0; i < chipsim().logCount(); ++i) {
     lines.emplace_back(chipsim().logLine(i));
@@ -76,7 +76,7 @@ std::vector<std::string> ChipTest::logLines() {
   return lines;
 }
 
-std::string ChipTest::lastLine() {
+std::string ChipFixture::lastLine() {
   uint32_t count = chipsim().logCount();
   const char* line = count ? chipsim().logLine(count - 1) : nullptr;
   return line ? line : "";

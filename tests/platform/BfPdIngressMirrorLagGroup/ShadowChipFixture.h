@@ -29,7 +29,7 @@ using PdActionSpec = p4_pd_kestro_switch_setLagMemberSelector_action_spec_t;
 // 8, 8 and 4 records; and a PD interface object of session 7 on the chip's
 // library that records into the manager's tables. The chip is private unless
 // a test attaches the process to a named one.
-class ShadowChipTest : public testing::Test {
+class ShadowChipFixture : public testing::Test {
  protected:
   static constexpr p4_pd_device_target_t kAllPipes{0, P4_PD_ALL_PIPES};
   static constexpr std::uint32_t kSession = 7;
