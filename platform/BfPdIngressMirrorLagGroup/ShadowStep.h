@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "MbbVaultKey/ShadowTable.h"
+#include "Vault/MbbPostcodef/ShadowRecord.h"
 
 namespace BfPdIngressMirrorLagGroup {
 
@@ -11,7 +12,7 @@ namespace BfPdIngressMirrorLagGroup {
 // written before the call, the finished record it replaced (restored when the
 // call fails), and where a creating call puts its new object's handle (null
 // for a delete).
-template <class R>
+template <Vault::MbbPostcodef::ShadowRecord R>
 struct ShadowStep {
   MbbVaultKey::ShadowTable<R>* table = nullptr;
   R intent;

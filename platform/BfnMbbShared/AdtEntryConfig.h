@@ -5,6 +5,8 @@
 
 #include "Vault/MbbPostcodef/EntryKey.h"
 #include "Vault/MbbPostcodef/OpId.h"
+#include "Vault/MbbPostcodef/ShadowRecord.h"
+#include "Vault/RecordType.h"
 
 namespace BfnMbbShared {
 
@@ -20,7 +22,7 @@ class AdtEntryConfig {
   using EntryKey = Vault::MbbPostcodef::EntryKey;
   using OpId = Vault::MbbPostcodef::OpId;
 
-  static constexpr std::uint32_t vaultRecordType = 2;
+  static constexpr Vault::RecordType vaultRecordType = Vault::RecordType::member;
 
   constexpr AdtEntryConfig() noexcept = default;
   constexpr AdtEntryConfig(const EntryKey& key, const OpId& opId,
@@ -46,7 +48,7 @@ class AdtEntryConfig {
   std::uint32_t memberHandle_ = 0;
 };
 
-static_assert(std::is_trivially_copyable_v<AdtEntryConfig>);
+static_assert(Vault::MbbPostcodef::ShadowRecord<AdtEntryConfig>);
 static_assert(sizeof(AdtEntryConfig) == 16);
 
 }  // namespace BfnMbbShared

@@ -5,6 +5,8 @@
 
 #include "Vault/MbbPostcodef/EntryKey.h"
 #include "Vault/MbbPostcodef/OpId.h"
+#include "Vault/MbbPostcodef/ShadowRecord.h"
+#include "Vault/RecordType.h"
 
 namespace BfnMbbShared {
 
@@ -25,7 +27,7 @@ class SelGrpEntryConfig {
   using EntryKey = Vault::MbbPostcodef::EntryKey;
   using OpId = Vault::MbbPostcodef::OpId;
 
-  static constexpr std::uint32_t vaultRecordType = 3;
+  static constexpr Vault::RecordType vaultRecordType = Vault::RecordType::group;
 
   constexpr SelGrpEntryConfig() noexcept = default;
   constexpr SelGrpEntryConfig(const EntryKey& key, const OpId& opId, std::uint32_t groupHandle,
@@ -64,7 +66,7 @@ class SelGrpEntryConfig {
   std::uint32_t replacedHandle_ = 0;
 };
 
-static_assert(std::is_trivially_copyable_v<SelGrpEntryConfig>);
+static_assert(Vault::MbbPostcodef::ShadowRecord<SelGrpEntryConfig>);
 static_assert(sizeof(SelGrpEntryConfig) == 28);
 
 }  // namespace BfnMbbShared

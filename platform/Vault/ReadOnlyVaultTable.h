@@ -7,6 +7,7 @@
 #include "Vault/SharedSegment.h"
 #include "Vault/Unsupported.h"
 #include "Vault/VaultBase.h"
+#include "Vault/VaultRecord.h"
 
 namespace Vault {
 
@@ -15,7 +16,7 @@ namespace Vault {
 // (PROT_READ), as large as it is then; a table that does not exist is empty.
 // Every writing or housekeeping operation throws
 // Vel::OperationNotSupportedException with a fixed message.
-template <class R>
+template <VaultRecord R>
 class ReadOnlyVaultTable : public VaultBase<R> {
  public:
   explicit ReadOnlyVaultTable(const std::string& name)
@@ -59,7 +60,7 @@ class ReadOnlyVaultTable : public VaultBase<R> {
     if (segment_ == nullptr) {
       return false;
     }
-    TableLayout layout = view_.checkHeader(R::vaultRecordType, sizeof(R));
+    TableLayout layout = view_.checkHeader(recordTypeOf<R>(), sizeof(R));
     return RecordWalk<R>::seek(view_, layout, from, SlotState::InUse, record, hint);
   }
 

@@ -6,6 +6,7 @@
 #include "Vault/CorruptionLog.h"
 #include "Vault/Counters.h"
 #include "Vault/IterHint.h"
+#include "Vault/VaultRecord.h"
 #include "Vel/PtrInterface.h"
 
 namespace Vault {
@@ -23,7 +24,7 @@ namespace Vault {
 //
 // Operations a kind of table does not offer throw
 // Vel::OperationNotSupportedException.
-template <class R>
+template <VaultRecord R>
 class VaultBase : public Vel::PtrInterface {
  public:
   using Record = R;

@@ -6,20 +6,21 @@
 #include "Vault/RecordWalk.h"
 #include "Vault/TableWriter.h"
 #include "Vault/VaultBase.h"
+#include "Vault/VaultRecord.h"
 
 namespace Vault {
 
 // A shadow table of records R as its writer (the platform) sees it: made or
-// re-attached by name, R::vaultRecordType and sizeof(R) telling what it holds.
+// re-attached by name, its record type id and sizeof(R) telling what it holds.
 // Besides the map interface it keeps intents: a record written with
 // intentIs() before the chip call that makes its object, and completed with
 // write() after it; a later process walks the unfinished ones with
 // firstIntent()/nextIntent() to reconcile them with the chip.
-template <class R>
+template <VaultRecord R>
 class VaultTable : public VaultBase<R> {
  public:
   VaultTable(const std::string& name, std::uint32_t capacity)
-      : writer_(name, R::vaultRecordType, sizeof(R), capacity) {}
+      : writer_(name, recordTypeOf<R>(), sizeof(R), capacity) {}
 
   static bool unlink(const std::string& name) { return TableWriter::unlink(name); }
 
@@ -57,7 +58,7 @@ class VaultTable : public VaultBase<R> {
       throw Quill::CorruptionDetectedException("Vault table " + name() + ": segment is missing");
     }
     TableView view(segment->bytes(), segment->size(), name());
-    view.checkHeader(R::vaultRecordType, sizeof(R));
+    view.checkHeader(recordTypeOf<R>(), sizeof(R));
   }
   void validate() override { writer_.validate(); }
   std::uint64_t getCacheVersionAnchor() override { return writer_.writeSequence(); }
@@ -73,7 +74,7 @@ class VaultTable : public VaultBase<R> {
   }
   bool seek(std::uint32_t from, SlotState wanted, R& record, IterHint& hint) {
     const TableView& view = writer_.view();
-    TableLayout layout = view.checkHeader(R::vaultRecordType, sizeof(R));
+    TableLayout layout = view.checkHeader(recordTypeOf<R>(), sizeof(R));
     bool found = RecordWalk<R>::seek(view, layout, from, wanted, record, hint);
     counters_.reads += found ? 1 : 0;
     return found;

@@ -14,6 +14,7 @@
 #include "Vault/MbbPostcodef/EntryConfig.h"
 #include "Vault/RecordWalk.h"
 #include "Vault/TableView.h"
+#include "Vault/VaultRecord.h"
 #include "Vel/Exception.h"
 
 namespace {
@@ -22,7 +23,7 @@ namespace {
 template <class R>
 void walk(const Vault::TableView& view) {
   try {
-    const Vault::TableLayout layout = view.checkHeader(R::vaultRecordType, sizeof(R));
+    const Vault::TableLayout layout = view.checkHeader(Vault::recordTypeOf<R>(), sizeof(R));
     R record{};
     Vault::IterHint hint;
     std::uint32_t from = 0;

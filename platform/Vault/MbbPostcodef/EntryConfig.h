@@ -5,6 +5,8 @@
 
 #include "Vault/MbbPostcodef/EntryKey.h"
 #include "Vault/MbbPostcodef/OpId.h"
+#include "Vault/MbbPostcodef/ShadowRecord.h"
+#include "Vault/RecordType.h"
 
 namespace Vault::MbbPostcodef {
 
@@ -23,7 +25,7 @@ namespace Vault::MbbPostcodef {
 // key, a zero OpId and all numbers 0.
 class EntryConfig {
  public:
-  static constexpr std::uint32_t vaultRecordType = 1;
+  static constexpr RecordType vaultRecordType = RecordType::entry;
 
   constexpr EntryConfig() noexcept = default;
   constexpr EntryConfig(const EntryKey& key, const OpId& opId, std::uint32_t entryHandle,
@@ -61,7 +63,7 @@ class EntryConfig {
   std::uint32_t devPipeId_ = 0;
 };
 
-static_assert(std::is_trivially_copyable_v<EntryConfig>);
+static_assert(ShadowRecord<EntryConfig>);
 static_assert(sizeof(EntryConfig) == 24);
 
 }  // namespace Vault::MbbPostcodef

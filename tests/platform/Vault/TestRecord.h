@@ -2,9 +2,11 @@
 
 #include <cstdint>
 
+#include "Vault/RecordType.h"
+
 // A small shadow record for exercising the tables: a key and two numbers.
 struct TestRecord {
-  static constexpr std::uint32_t vaultRecordType = 99;
+  static constexpr Vault::RecordType vaultRecordType = Vault::RecordType{99};
 
   std::uint64_t key;
   std::uint32_t first;
