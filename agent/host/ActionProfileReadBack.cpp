@@ -29,21 +29,19 @@ std::vector<std::uint32_t> walk(First first, Next next, p4_pd_session_handle_t s
 }  // namespace
 
 ActionProfileReadBack::ActionProfileReadBack(void* pdLib) {
-  findSymbol(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member",
-             firstMember_);
-  findSymbol(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member", nextMember_);
-  findSymbol(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_group", firstGroup_);
-  findSymbol(pdLib, "p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_group", nextGroup_);
+#define FIND_READ_BACK_FUNCTION(name, shortName) findSymbol(pdLib, #name, shortName##_);
+  KESTRO_SWITCH_PD_READ_BACK_FUNCTIONS(FIND_READ_BACK_FUNCTION)
+#undef FIND_READ_BACK_FUNCTION
 }
 
 std::vector<std::uint32_t> ActionProfileReadBack::members(p4_pd_session_handle_t session,
                                                           p4_pd_device_id_t device) const {
-  return walk(firstMember_, nextMember_, session, device);
+  return walk(getFirstMember_, getNextMember_, session, device);
 }
 
 std::vector<std::uint32_t> ActionProfileReadBack::groups(p4_pd_session_handle_t session,
                                                          p4_pd_device_id_t device) const {
-  return walk(firstGroup_, nextGroup_, session, device);
+  return walk(getFirstGroup_, getNextGroup_, session, device);
 }
 
 }  // namespace mirrorlag_agent

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Pd/KestroSwitchPd.h>
+#include <Pd/KestroSwitchPdFunctions.h>
 
 #include <cstdint>
 #include <vector>
@@ -17,16 +18,17 @@ class ActionProfileReadBack {
   // `pdLib` is the dlopen handle of the PD library.
   explicit ActionProfileReadBack(void* pdLib);
 
-  bool available() const noexcept { return firstMember_ != nullptr; }
+  bool available() const noexcept { return getFirstMember_ != nullptr; }
   std::vector<std::uint32_t> members(p4_pd_session_handle_t session,
                                      p4_pd_device_id_t device) const;
   std::vector<std::uint32_t> groups(p4_pd_session_handle_t session, p4_pd_device_id_t device) const;
 
  private:
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member_fn firstMember_ = nullptr;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member_fn nextMember_ = nullptr;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_group_fn firstGroup_ = nullptr;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_group_fn nextGroup_ = nullptr;
+  // One pointer per read-back function, named after its short name
+  // (getFirstMember_, ...); null when the library has none.
+#define READ_BACK_FUNCTION(name, shortName) name##_fn shortName##_ = nullptr;
+  KESTRO_SWITCH_PD_READ_BACK_FUNCTIONS(READ_BACK_FUNCTION)
+#undef READ_BACK_FUNCTION
 };
 
 }  // namespace mirrorlag_agent
