@@ -12,7 +12,6 @@
 // A summary of configuration time over raw time per size ends the run.
 
 #include <benchmark/benchmark.h>
-#include <dlfcn.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -22,9 +21,9 @@
 #include <vector>
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
-#include "ChipSymbol.h"
 #include "Vel/Allocate.h"
 #include "chipsim/chipsim.h"
+#include "support/ChipsimLibrary.h"
 
 namespace {
 
@@ -42,60 +41,19 @@ constexpr std::uint32_t kGroupMembers = 8;
 constexpr std::uint32_t kMaxConfigured = 16384;
 constexpr std::uint32_t kMaxGroups = 4096;
 
-// The chip model's library, loaded as a host loads a PD library, with the
-// functions that the benchmark calls itself. Its chips have room for every
-// configured member and group and the measured ones.
-struct Chip {
-  Chip() {
-    if (handle == nullptr) {
-      std::fprintf(stderr, "cannot load %s: %s\n", CHIPSIM_LIBRARY, dlerror());
-      std::abort();
-    }
-    configDefault = chipSymbol<decltype(configDefault)>(handle, "chipsim_config_default");
-    configure = chipSymbol<decltype(configure)>(handle, "chipsim_configure");
-    reset = chipSymbol<decltype(reset)>(handle, "chipsim_reset");
-    members = chipSymbol<decltype(members)>(handle, "chipsim_members");
-    groups = chipSymbol<decltype(groups)>(handle, "chipsim_groups");
-    addMember = chipSymbol<decltype(addMember)>(
-        handle,
-        "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector");
-    delMember = chipSymbol<decltype(delMember)>(
-        handle, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member");
-    createGroup = chipSymbol<decltype(createGroup)>(
-        handle, "p4_pd_kestro_switch_mirrorLagPortActionProfile_create_group");
-    delGroup = chipSymbol<decltype(delGroup)>(
-        handle, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group");
-    addMemberToGroup = chipSymbol<decltype(addMemberToGroup)>(
-        handle, "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_to_group");
-    delMemberFromGroup = chipSymbol<decltype(delMemberFromGroup)>(
-        handle, "p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group");
-    memberStateSet = chipSymbol<decltype(memberStateSet)>(
-        handle, "p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set");
+// The chip model's library, loaded as a host loads a PD library. Its chips
+// have room for every configured member and group and the measured ones.
+const chipsim_test::ChipsimLibrary& chip() {
+  static const chipsim_test::ChipsimLibrary& lib = []() -> const chipsim_test::ChipsimLibrary& {
+    const chipsim_test::ChipsimLibrary& loaded = chipsim_test::chipsim();
     chipsim_config config{};
-    configDefault(&config);
+    loaded.configDefault(&config);
     config.members = kMaxConfigured + 2 * kGroupMembers;
     config.groups = kMaxGroups + 2;
-    configure(&config);
-  }
-
-  void* handle = dlopen(CHIPSIM_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-  decltype(&chipsim_config_default) configDefault;
-  decltype(&chipsim_configure) configure;
-  decltype(&chipsim_reset) reset;
-  decltype(&chipsim_members) members;
-  decltype(&chipsim_groups) groups;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector_fn addMember;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_fn delMember;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_create_group_fn createGroup;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group_fn delGroup;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_to_group_fn addMemberToGroup;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_del_member_from_group_fn delMemberFromGroup;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_set_fn memberStateSet;
-};
-
-Chip& chip() {
-  static Chip* instance = new Chip;  // kept loaded for the whole run
-  return *instance;
+    loaded.configure(&config);
+    return loaded;
+  }();
+  return lib;
 }
 
 Vel::Ptr<IngressMirrorLagGroupActionProfileEntry> entryOf(std::uint32_t memberId) {
@@ -210,8 +168,10 @@ void rawMemberToggle(benchmark::State& state) {
   const std::uint32_t group = setup.helper->sdkHandles()->group(BfnTable::BfnGroupId(1));
   const std::uint32_t member = setup.helper->sdkHandles()->member(BfnTable::BfnMemberId(1));
   for (auto _ : state) {
-    if (chip().memberStateSet(kSession, kDevice, group, member, P4_PD_GROUP_MEMBER_INACTIVE) != 0 ||
-        chip().memberStateSet(kSession, kDevice, group, member, P4_PD_GROUP_MEMBER_ACTIVE) != 0) {
+    if (chip().groupMemberStateSet(kSession, kDevice, group, member, P4_PD_GROUP_MEMBER_INACTIVE) !=
+            0 ||
+        chip().groupMemberStateSet(kSession, kDevice, group, member, P4_PD_GROUP_MEMBER_ACTIVE) !=
+            0) {
       state.SkipWithError("raw PD call failed");
       break;
     }

@@ -6,7 +6,6 @@
 // time over the small one's for each read (target: flat, at most 1.2).
 
 #include <benchmark/benchmark.h>
-#include <dlfcn.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -15,10 +14,10 @@
 #include <vector>
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
-#include "ChipSymbol.h"
 #include "TimesReporter.h"
 #include "Vel/Allocate.h"
 #include "chipsim/chipsim.h"
+#include "support/ChipsimLibrary.h"
 
 namespace {
 
@@ -35,32 +34,8 @@ constexpr std::uint32_t kFullGroups = 4096;
 constexpr double kFlatTarget = 1.2;
 
 // The chip model's library, loaded as a host loads a PD library.
-struct Chip {
-  Chip() {
-    if (handle == nullptr) {
-      std::fprintf(stderr, "cannot load %s: %s\n", CHIPSIM_LIBRARY, dlerror());
-      std::abort();
-    }
-    reset = chipSymbol<decltype(reset)>(handle, "chipsim_reset");
-    addMember = chipSymbol<decltype(addMember)>(
-        handle,
-        "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector");
-    createGroup = chipSymbol<decltype(createGroup)>(
-        handle, "p4_pd_kestro_switch_mirrorLagPortActionProfile_create_group");
-    addMemberToGroup = chipSymbol<decltype(addMemberToGroup)>(
-        handle, "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_to_group");
-  }
-
-  void* handle = dlopen(CHIPSIM_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-  decltype(&chipsim_reset) reset;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector_fn addMember;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_create_group_fn createGroup;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_to_group_fn addMemberToGroup;
-};
-
-Chip& chip() {
-  static Chip* instance = new Chip;  // kept loaded for the whole run
-  return *instance;
+const chipsim_test::ChipsimLibrary& chip() {
+  return chipsim_test::chipsim();
 }
 
 // A table on an empty chip whose registry holds `members` members and

@@ -8,7 +8,6 @@
 // the heap in use. A summary against the 50 ms target ends the run.
 
 #include <benchmark/benchmark.h>
-#include <dlfcn.h>
 #include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -20,10 +19,10 @@
 #include <vector>
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
-#include "ChipSymbol.h"
 #include "Vault/MbbPostcodef/ShadowOp.h"
 #include "Vel/Allocate.h"
 #include "chipsim/chipsim.h"
+#include "support/ChipsimLibrary.h"
 
 namespace {
 
@@ -47,36 +46,23 @@ long maxRssKiB() {
 // one record per entry, as a killed instance leaves them.
 struct Fixture {
   Fixture() : base("/bench-factory-" + std::to_string(getpid())) {
-    if (chipHandle == nullptr) {
-      std::fprintf(stderr, "cannot load %s: %s\n", CHIPSIM_LIBRARY, dlerror());
-      std::abort();
-    }
-    auto configDefault =
-        chipSymbol<decltype(&chipsim_config_default)>(chipHandle, "chipsim_config_default");
-    auto configure = chipSymbol<decltype(&chipsim_configure)>(chipHandle, "chipsim_configure");
-    auto reset = chipSymbol<decltype(&chipsim_reset)>(chipHandle, "chipsim_reset");
-    auto addMember = chipSymbol<
-        p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector_fn>(
-        chipHandle,
-        "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector");
-    auto addEntry = chipSymbol<p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_fn>(
-        chipHandle, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry");
+    const chipsim_test::ChipsimLibrary& chip = chipsim_test::chipsim();
     chipsim_config config{};
-    configDefault(&config);
+    chip.configDefault(&config);
     config.entries = kEntries;
-    configure(&config);
-    reset();
+    chip.configure(&config);
+    chip.reset();
 
     MbbVaultKey::VaultKeyManager::unlink(base);
     auto keys = Vel::allocate<MbbVaultKey::VaultKeyManager>(base);
     const p4_pd_kestro_switch_setLagMemberSelector_action_spec_t action{500};
     std::uint32_t member = 0;
-    addMember(kSession, kTarget, &action, &member);
+    chip.addMember(kSession, kTarget, &action, &member);
     for (std::uint32_t i = 0; i < kEntries; ++i) {
       const p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t match{
           static_cast<std::uint16_t>(i)};
       std::uint32_t entry = 0;
-      if (addEntry(kSession, kTarget, &match, member, &entry) != 0) {
+      if (chip.addEntry(kSession, kTarget, &match, member, &entry) != 0) {
         std::fprintf(stderr, "entry %u not added\n", i);
         std::abort();
       }
@@ -97,7 +83,7 @@ struct Fixture {
                                              CHIPSIM_LIBRARY);
   }
 
-  void* chipHandle = dlopen(CHIPSIM_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+  void* chipHandle = chipsim_test::chipsim().handle;
   std::string base;
 };
 
@@ -167,9 +153,8 @@ void shadowWalk(benchmark::State& state) {
 }
 
 void chipReadBack(benchmark::State& state) {
-  Fixture& f = fixture();
-  auto getEntry = chipSymbol<p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry_fn>(
-      f.chipHandle, "p4_pd_kestro_switch_ingressMirrorLagGroup_get_entry");
+  fixture();  // a chip full of entries to read back
+  const auto getEntry = chipsim_test::chipsim().getEntry;
   for (auto _ : state) {
     for (std::uint32_t handle = 1; handle <= kEntries; ++handle) {
       p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t match{};

@@ -18,6 +18,8 @@ class Loader {
     }
   }
 
+  void* handle() const noexcept { return handle_; }
+
   template <class F>
   void resolve(F& function, const char* name) {
     function = reinterpret_cast<F>(dlsym(handle_, name));
@@ -34,6 +36,8 @@ class Loader {
 ChipsimLibrary load() {
   Loader loader;
   ChipsimLibrary lib{};
+  lib.path = CHIPSIM_LIBRARY;
+  lib.handle = loader.handle();
 #define CHIPSIM_LIBRARY_RESOLVE(name, shortName) loader.resolve(lib.shortName, #name);
   KESTRO_SWITCH_PD_FUNCTIONS(CHIPSIM_LIBRARY_RESOLVE)
   CHIPSIM_CONTROL_FUNCTIONS(CHIPSIM_LIBRARY_RESOLVE)
