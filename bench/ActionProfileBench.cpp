@@ -32,7 +32,7 @@ using Sm = IngressMirrorLagGroupActionProfileSm;
 using PdActionSpec = p4_pd_kestro_switch_setLagMemberSelector_action_spec_t;
 
 constexpr std::uint8_t kDevice = 0;
-constexpr std::uint16_t kPipe = 0xFFFF;
+constexpr std::uint16_t kPipe = P4_PD_ALL_PIPES;
 constexpr p4_pd_device_target_t kTarget{kDevice, kPipe};
 constexpr std::uint32_t kSession = 1;
 // Members of the measured group; the measured member's and group's ids come

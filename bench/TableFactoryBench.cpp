@@ -30,7 +30,7 @@ using Vault::MbbPostcodef::EntryConfig;
 using Vault::MbbPostcodef::EntryKey;
 
 constexpr std::uint8_t kDevice = 0;
-constexpr std::uint16_t kPipe = 0xFFFF;
+constexpr std::uint16_t kPipe = P4_PD_ALL_PIPES;
 constexpr p4_pd_device_target_t kTarget{kDevice, kPipe};
 constexpr std::uint32_t kSession = 1;
 constexpr std::uint32_t kEntries = 65536;
