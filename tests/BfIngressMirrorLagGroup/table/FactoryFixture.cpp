@@ -18,20 +18,6 @@ constexpr std::uint32_t kAllPipes = P4_PD_ALL_PIPES;
 
 }  // namespace
 
-void RecordingKeyManager::populate(const EntryKey& key, const MatchSpec& match) {
-  const auto* spec = dynamic_cast<const IngressMirrorLagGroupMatchSpec*>(match.get());
-  const std::string session =
-      spec != nullptr ? std::to_string(spec->ingMirrorMdMirrorSession()) : "?";
-  calls.push_back("populate " + std::to_string(key.value()) + " session=" + session);
-  populated.push_back(match);
-  VaultKeyManager::populate(key, match);
-}
-
-void RecordingKeyManager::latestKeyIs(const EntryKey& key) {
-  calls.push_back("latestKeyIs " + std::to_string(key.value()));
-  VaultKeyManager::latestKeyIs(key);
-}
-
 void FactoryFixture::SetUp() {
   TableFixture::SetUp();
   // The fixture's own table goes; the factory makes the ones tested here.

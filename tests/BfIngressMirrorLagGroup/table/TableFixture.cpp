@@ -11,15 +11,6 @@ namespace BfIngressMirrorLagGroup {
 
 namespace {
 
-std::string sessionOf(const Vel::Ptr<const BfnTable::MatchSpecBase>& match) {
-  const auto* spec = dynamic_cast<const IngressMirrorLagGroupMatchSpec*>(match.get());
-  return spec != nullptr ? std::to_string(spec->ingMirrorMdMirrorSession()) : "?";
-}
-
-std::string atCallCount() {
-  return " @" + std::to_string(chipsim_test::chipsim().logCount());
-}
-
 template <class Map, class Out>
 void copyHandles(const Map& map, Out& out) {
   for (auto slot = map.begin(); slot; ++slot)
@@ -27,16 +18,6 @@ void copyHandles(const Map& map, Out& out) {
 }
 
 }  // namespace
-
-void OrderedStatusManager::initStatus(const Vel::Ptr<const BfnTable::MatchSpecBase>& match) {
-  events_->push_back("initStatus " + sessionOf(match) + atCallCount());
-  StatusManager::initStatus(match);
-}
-
-OrderedKeyManager::EntryKey OrderedKeyManager::alloc(const MatchSpec& match, bool flag) {
-  events_->push_back("alloc " + sessionOf(match) + (flag ? " true" : " false") + atCallCount());
-  return VaultKeyManager::alloc(match, flag);
-}
 
 void TableFixture::SetUp() {
   chipsim_config config{};

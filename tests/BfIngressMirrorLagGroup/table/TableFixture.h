@@ -8,44 +8,14 @@
 #include <vector>
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
+#include "ManagerEvents.h"
+#include "OrderedKeyManager.h"
+#include "OrderedStatusManager.h"
+#include "RegistrySnapshot.h"
 #include "support/ChipsimLibrary.h"
 #include "support/PdFunctionNames.h"
 
 namespace BfIngressMirrorLagGroup {
-
-// Everything the registry holds, for comparing it before and after a call.
-struct RegistrySnapshot {
-  std::vector<std::pair<const IngressMirrorLagGroupMatchSpec*, std::uint32_t>> entries;
-  std::vector<std::pair<std::uint32_t, std::uint32_t>> members;
-  std::vector<std::pair<std::uint32_t, std::uint32_t>> groups;
-
-  bool operator==(const RegistrySnapshot&) const = default;
-};
-
-// What the status manager and the key manager were told, in the order they were
-// told, each with the number of chip calls logged by then: "initStatus 5 @0" is
-// initStatus for mirror session 5 before any PD call.
-using ManagerEvents = std::vector<std::string>;
-
-// A status manager that also notes its initStatus calls in a shared event list.
-class OrderedStatusManager : public BfnTableStatusManager::StatusManager {
- public:
-  explicit OrderedStatusManager(ManagerEvents* events) : events_(events) {}
-  void initStatus(const Vel::Ptr<const BfnTable::MatchSpecBase>& match) override;
-
- private:
-  ManagerEvents* events_;
-};
-
-// A key manager that also notes its alloc calls in a shared event list.
-class OrderedKeyManager : public MbbVaultKey::VaultKeyManager {
- public:
-  explicit OrderedKeyManager(ManagerEvents* events) : events_(events) {}
-  EntryKey alloc(const MatchSpec& match, bool flag) override;
-
- private:
-  ManagerEvents* events_;
-};
 
 // A match table on device 3, pipe 2, session 7, bound to a fresh private chip
 // (made on device 3) through the chip model's library, loaded with dlopen as a
