@@ -12,7 +12,7 @@
 #include <nlohmann/json.hpp>
 
 #include "AgentFixture.h"
-#include "RollbackCase.h"
+#include "agent/core/RollbackCase.h"
 #include "config/AgentConfig.h"
 
 namespace mirrorlag_agent {
