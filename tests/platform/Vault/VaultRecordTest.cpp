@@ -30,7 +30,7 @@ struct WithNumberForType {
   std::uint64_t vaultKey() const noexcept { return 0; }
 };
 struct NotTriviallyCopyable {
-  static constexpr RecordType vaultRecordType = RecordType{96};
+  [[maybe_unused]] static constexpr RecordType vaultRecordType = RecordType{96};
   std::string text;
   std::uint64_t vaultKey() const noexcept { return 0; }
 };
