@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "BfIngressMirrorLagGroup/hw/DeviceTarget.h"
 #include "Vel/Allocate.h"
 
 namespace mirrorlag_agent {
@@ -117,6 +118,21 @@ void AgentTable::defaultDel() {
 
 bool AgentTable::programmed(const MatchSpec& match) const {
   return table_->helper()->sdkHandles()->entry(match) != 0;
+}
+
+std::map<std::uint32_t, std::uint32_t> AgentTable::groupHandles() const {
+  std::map<std::uint32_t, std::uint32_t> handles;
+  const IngressMirrorLagGroupTableHandles& registry = *table_->helper()->sdkHandles();
+  for (auto slot = registry.groups().begin(); slot; ++slot)
+    handles.emplace(slot.key().value(), slot.value());
+  return handles;
+}
+
+pipe_status AgentTable::retiredGroupDel(std::uint32_t handle) {
+  const Vel::Ptr<IngressMirrorLagGroupTableHelper>& helper = table_->helper();
+  auto& pd = *helper->pdLib();
+  return pd.p4_pd_kestro_switch_mirrorLagPortActionProfile_del_group(pd.sessionId(),
+                                                                     deviceId(*helper), handle);
 }
 
 }  // namespace mirrorlag_agent

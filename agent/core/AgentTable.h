@@ -53,6 +53,11 @@ class AgentTable {
   void entryDel(std::uint16_t session);
   void defaultIs(const ConfigTarget& target);
   void defaultDel();
+  // The groups the plug-in holds, by id, with their chip handles.
+  std::map<std::uint32_t, std::uint32_t> groupHandles() const;
+  // Deletes from the chip a group the plug-in no longer holds (one an
+  // earlier instance made, since replaced); gives the PD status.
+  pipe_status retiredGroupDel(std::uint32_t handle);
 
  private:
   // Whether the chip holds an entry for this match spec.

@@ -21,6 +21,7 @@
 #include "Vel/TraceHandle.h"
 #include "config/ConfigError.h"
 #include "core/ApplyError.h"
+#include "core/RestartApply.h"
 #include "host/ActionProfileReadBack.h"
 #include "host/AgentCheck.h"
 #include "host/AgentReport.h"
@@ -269,11 +270,19 @@ void AgentHost::makeTableAndProfile(const AgentConfig& start) {
 
 void AgentHost::applyAtStart(const AgentConfig& start) {
   const std::vector<std::uint32_t> oldGroups = recordedGroups();
-  const Answer answer = apply(start);
-  if (answer.status != 0)
-    throw std::runtime_error(answer.output);
-  log("applied " + std::to_string(applier_->changes().size()) + " changes, " +
-      std::to_string(running_.groups.size()) + " groups created anew");
+  RestartApply restart(*agentTable_, *applier_);
+  try {
+    restart.apply(start, running_);
+  } catch (const ApplyError& e) {
+    const std::string failure = std::string("failed: ") + e.what();
+    log(failure);
+    throw std::runtime_error(failure);
+  }
+  applied(restart.changes());
+  log("applied " + std::to_string(restart.changes().size()) + " changes, " +
+      std::to_string(running_.groups.size()) + " groups created anew, " +
+      std::to_string(restart.retiredGroups()) + " replaced groups deleted (" +
+      std::to_string(restart.retiredForRoom()) + " first, to make room)");
   log("removed " + std::to_string(removeLeftovers(oldGroups)) + " objects left behind");
 }
 
@@ -439,15 +448,20 @@ AgentHost::Answer AgentHost::apply(const AgentConfig& wanted) {
     return refused(failure);
   }
   running_ = wanted;
-  state_.write(running_);
-  std::string output;
-  for (const std::string& change : applier_->changes()) {
-    log(change + ": done");
-    output += change + "\n";
-  }
+  std::string output = applied(applier_->changes());
   for (const std::string& note : running_.notes())
     output += "note: " + note + "\n";
   return {0, output};
+}
+
+std::string AgentHost::applied(const std::vector<std::string>& changes) {
+  state_.write(running_);
+  std::string output;
+  for (const std::string& change : changes) {
+    log(change + ": done");
+    output += change + "\n";
+  }
+  return output;
 }
 
 // An edit of the running configuration, applied as a whole new configuration

@@ -85,6 +85,9 @@ class AgentHost {
       std::uint32_t handle);
   void applyAtStart(const AgentConfig& start);
   Answer apply(const AgentConfig& wanted);
+  // After an apply made `running_` what it is: keeps it in the state file and
+  // logs each change; gives the changes, a line each.
+  std::string applied(const std::vector<std::string>& changes);
   // After a restart's apply: deletes from the chip what the instances before
   // left and the configuration does not name (entries, the groups that were
   // created anew, members); gives how many objects went.
