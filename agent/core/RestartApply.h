@@ -27,9 +27,11 @@ namespace mirrorlag_agent {
 // moment), the replaced group is deleted, and the new one takes its room.
 // The rest of the configuration follows.
 //
-// Each step is an apply of the ConfigApplier, with its rollback: a step the
-// chip refuses throws its ApplyError, the steps before it staying done and
-// `running` saying what they applied.
+// Each step is an apply of the ConfigApplier, with its rollback, over the
+// part of the configuration it changes (so that a step costs what it
+// changes, not the size of the configuration): a step the chip refuses
+// throws its ApplyError, the steps before it staying done and `running`
+// saying what they applied.
 class RestartApply {
  public:
   RestartApply(AgentTable& table, ConfigApplier& applier);
@@ -46,8 +48,17 @@ class RestartApply {
   std::size_t retiredForRoom() const noexcept { return retiredForRoom_; }
 
  private:
-  // Applies `next` over `running`, which then is `next`.
-  void step(AgentConfig& running, const AgentConfig& next);
+  // What `running` holds of group `id`: the group, if applied, and the
+  // entries (and default entry) that `start` puts on it, where they point now.
+  AgentConfig slice(const AgentConfig& start, const AgentConfig& running, std::uint32_t id) const;
+  // `part` with the entries (and default entry) that `start` puts on group
+  // `id` pointed at `target`.
+  AgentConfig pointedAt(AgentConfig part, const AgentConfig& start, std::uint32_t id,
+                        const ConfigTarget& target) const;
+  // Applies `after` over `before`, both parts of the configuration, and
+  // brings `running` up to `after`.
+  void step(AgentConfig& running, const AgentConfig& before, const AgentConfig& after);
+  void noteChanges();
   void moveGroup(const AgentConfig& start, AgentConfig& running, std::uint32_t id);
   // Points the entries of group `id` at one of its members and deletes the
   // group that the plug-in adopted under `id`, to make room for the new one.
@@ -58,6 +69,8 @@ class RestartApply {
   ConfigApplier& applier_;
   // The group handles the plug-in adopted, by group id, before this apply.
   std::map<std::uint32_t, std::uint32_t> adopted_;
+  // The sessions whose entries the configuration puts on each group.
+  std::map<std::uint32_t, std::vector<std::uint16_t>> sessionsOf_;
   std::vector<std::string> changes_;
   std::size_t retired_ = 0;
   std::size_t retiredForRoom_ = 0;
