@@ -16,24 +16,52 @@ namespace Vault {
 
 namespace {
 
-// Maps `size` bytes of `fd`; a segment of no bytes maps nothing.
-std::byte* mapFile(int fd, std::uint64_t size, int protection) {
+// Reads up to `size` bytes of `fd` from its start into `bytes`; gives how
+// many it could read (fewer when the file is cut short meanwhile).
+std::uint64_t readAll(int fd, std::byte* bytes, std::uint64_t size) {
+  std::uint64_t done = 0;
+  while (done < size) {
+    const ssize_t got = pread(fd, bytes + done, size - done, static_cast<off_t>(done));
+    if (got < 0 && errno == EINTR) {
+      continue;
+    }
+    if (got <= 0) {
+      break;
+    }
+    done += static_cast<std::uint64_t>(got);
+  }
+  return done;
+}
+
+// A private copy of the first `size` bytes of `fd`, in memory of its own that
+// is made read-only once filled; `size` becomes what could be read. Null for
+// no bytes, or when the memory cannot be had.
+std::byte* copyFile(int fd, std::uint64_t& size) {
   if (size == 0) {
     return nullptr;
   }
-  void* base = mmap(nullptr, size, protection, MAP_SHARED, fd, 0);
-  return base == MAP_FAILED ? nullptr : static_cast<std::byte*>(base);
+  void* base = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  if (base == MAP_FAILED) {
+    return nullptr;
+  }
+  size = readAll(fd, static_cast<std::byte*>(base), size);
+  mprotect(base, size == 0 ? 1 : size, PROT_READ);
+  return static_cast<std::byte*>(base);
 }
 
 }  // namespace
 
-SharedSegment::SharedSegment(std::byte* base, std::uint64_t size, std::string name,
-                             bool writable) noexcept
-    : base_(base), size_(size), name_(std::move(name)), writable_(writable) {}
+SharedSegment::SharedSegment(std::byte* base, std::uint64_t size, std::string name, bool writable,
+                             std::uint64_t mappedSize) noexcept
+    : base_(base),
+      size_(size),
+      mappedSize_(mappedSize),
+      name_(std::move(name)),
+      writable_(writable) {}
 
 SharedSegment::~SharedSegment() {
   if (base_ != nullptr) {
-    munmap(base_, size_);
+    munmap(base_, mappedSize_);
   }
 }
 
@@ -81,18 +109,19 @@ std::unique_ptr<SharedSegment> SharedSegment::openReadOnly(const std::string& na
   }
   struct stat status;
   std::byte* base = nullptr;
+  std::uint64_t mapped = 0;
   std::uint64_t size = 0;
   if (fstat(fd, &status) == 0) {
-    size = static_cast<std::uint64_t>(status.st_size);
-    base = mapFile(fd, size, PROT_READ);
+    mapped = size = static_cast<std::uint64_t>(status.st_size);
+    base = copyFile(fd, size);
   }
   int error = errno;
   close(fd);
-  if (base == nullptr && size != 0) {
+  if (base == nullptr && mapped != 0) {
     Vel::throwRangeException(
-        Vel::format("cannot map Vault table %s: %s", full.c_str(), std::strerror(error)));
+        Vel::format("cannot read Vault table %s: %s", full.c_str(), std::strerror(error)));
   }
-  return std::unique_ptr<SharedSegment>(new SharedSegment(base, size, full, false));
+  return std::unique_ptr<SharedSegment>(new SharedSegment(base, size, full, false, mapped));
 }
 
 bool SharedSegment::unlink(const std::string& name) {

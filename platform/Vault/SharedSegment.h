@@ -4,13 +4,14 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace Vault {
 
-// A named POSIX shared-memory segment mapped into this process: read-only for
-// readers (PROT_READ), read-write for the table's writer. Segments are made
-// with mode 0600, opened without following a link, and used only when they
-// are regular files of this user with that mode.
+// A named POSIX shared-memory segment in this process: for the table's writer
+// mapped read-write, for readers a private copy that is read-only (PROT_READ).
+// Segments are made with mode 0600, opened without following a link, and used
+// only when they are regular files of this user with that mode.
 class SharedSegment {
  public:
   ~SharedSegment();
@@ -21,9 +22,12 @@ class SharedSegment {
   // Vel::RangeException for a name that is not one path component.
   static std::string fullName(const std::string& name);
 
-  // Maps the whole of an existing segment read-only, as large as it is now;
-  // null when there is no such segment. Throws Vel::RangeException when it
-  // exists but cannot be opened or mapped.
+  // A read-only copy of the whole of an existing segment, as large as it is
+  // now; null when there is no such segment. Throws Vel::RangeException when it
+  // exists but cannot be opened or read. The bytes are read, not mapped: a
+  // segment that another process cuts short meanwhile gives a shorter copy
+  // (size() is what could be read), which a reader finds shorter than its
+  // header says, never a SIGBUS in the middle of a walk.
   static std::unique_ptr<SharedSegment> openReadOnly(const std::string& name);
 
   // Removes the name; true when it existed.
@@ -40,10 +44,14 @@ class SharedSegment {
 
  private:
   friend class SegmentFile;
-  SharedSegment(std::byte* base, std::uint64_t size, std::string name, bool writable) noexcept;
+  SharedSegment(std::byte* base, std::uint64_t size, std::string name, bool writable,
+                std::uint64_t mappedSize) noexcept;
+  SharedSegment(std::byte* base, std::uint64_t size, std::string name, bool writable) noexcept
+      : SharedSegment(base, size, std::move(name), writable, size) {}
 
   std::byte* base_;
   std::uint64_t size_;
+  std::uint64_t mappedSize_;  // what was mapped at base_, at least size_
   std::string name_;
   bool writable_;
 };

@@ -1,7 +1,13 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <cstdint>
 #include <functional>
+#include <string>
 
+#include "Quill/CorruptionDetectedException.h"
 #include "ScratchName.h"
 #include "TestRecord.h"
 #include "Vault/ReadOnlyVaultTable.h"
@@ -94,6 +100,50 @@ TEST(VaultBaseDummyTest, EveryOperationOfATableThatIsNotConfiguredFails) {
   EXPECT_EQ(refusal([&] { dummy->next(record, hint); }), "VaultBaseDummy::next()");
   EXPECT_EQ(refusal([&] { dummy->write(record); }), "VaultBaseDummy::write()");
   EXPECT_EQ(refusal([&] { dummy->validate(); }), "VaultBaseDummy::validate()");
+}
+
+}  // namespace
+
+namespace {
+
+// Cuts the segment `name` down to `size` bytes, as another process could.
+void cutShort(const std::string& name, off_t size) {
+  const int fd = shm_open(Vault::SharedSegment::fullName(name).c_str(), O_RDWR, 0);
+  ASSERT_GE(fd, 0);
+  ASSERT_EQ(ftruncate(fd, size), 0);
+  close(fd);
+}
+
+constexpr std::uint32_t kManyRecords = 4096;
+
+TEST(ReadOnlyVaultTableTest, ASegmentCutShortDuringAWalkEndsTheWalkWithoutASignal) {
+  ScratchName name;
+  {
+    Vault::VaultTable<TestRecord> table(name.str(), kManyRecords);
+    for (std::uint32_t key = 1; key <= kManyRecords; ++key)
+      table.write({key, key, key});
+  }
+  Reader reader(name.str());
+  TestRecord record{};
+  Vault::IterHint hint;
+  ASSERT_TRUE(reader.first(record, hint));
+  // Cut down to its first page while the walk goes on: the walk reads what
+  // its first() read, and no page of it is gone.
+  cutShort(name.str(), getpagesize());
+  std::uint32_t seen = 1;
+  while (reader.next(record, hint))
+    ++seen;
+  EXPECT_EQ(seen, kManyRecords);
+  // The next walk finds the table shorter than its header says, at the first
+  // slot that is gone.
+  try {
+    for (bool more = reader.first(record, hint); more; more = reader.next(record, hint)) {
+    }
+    ADD_FAILURE() << "the walk of a table cut short ended without a word";
+  } catch (const Quill::CorruptionDetectedException& e) {
+    EXPECT_NE(std::string(e.what()).find("lies past the end of the segment"), std::string::npos)
+        << e.what();
+  }
 }
 
 }  // namespace
