@@ -258,6 +258,39 @@ TEST(VaultTableTest, ASegmentOfAnotherModeOrUserOrALinkIsRefused) {
   }
 }
 
+// A table that a process of another user made is not adopted, by a writer or
+// a reader: it could hold anything. Needs root, to run a process as another
+// user.
+TEST(VaultTableTest, ATableMadeByAProcessOfAnotherUserIsRefused) {
+  if (geteuid() != 0)
+    GTEST_SKIP() << "runs a process as another user, which only root may";
+  constexpr uid_t kNobody = 65534;
+  ScratchName name;
+  ASSERT_EQ(inChild([&] {
+              if (setgid(kNobody) != 0 || setuid(kNobody) != 0)
+                return 2;
+              Table(name.str(), 4).write({5, 50, 500});
+              return 0;
+            }),
+            0);
+  const std::string refusal = "Vault table " + name.str() +
+                              " is not a segment of this user with mode 0600 (owner " +
+                              std::to_string(kNobody) + ", mode 0600): refused";
+  try {
+    Table again(name.str(), 4);
+    ADD_FAILURE() << "a table of another user was adopted";
+  } catch (const Vel::RangeException& e) {
+    EXPECT_EQ(e.message(), refusal);
+  }
+  Reader reader(name.str());
+  try {
+    walk<TestRecord>(reader);
+    ADD_FAILURE() << "a table of another user was read";
+  } catch (const Vel::RangeException& e) {
+    EXPECT_EQ(e.message(), refusal);
+  }
+}
+
 // Two writers in one process are two writers too.
 TEST(VaultTableTest, ASecondWriterInTheSameProcessIsRefused) {
   ScratchName name;
