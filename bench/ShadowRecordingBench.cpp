@@ -6,7 +6,6 @@
 // of recorded time over unrecorded time ends the run.
 
 #include <benchmark/benchmark.h>
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -18,6 +17,7 @@
 #include "TimesReporter.h"
 #include "Vel/Allocate.h"
 #include "chipsim/chipsim.h"
+#include "support/ChipsimLibrary.h"
 
 namespace {
 
@@ -32,17 +32,9 @@ constexpr double kRecordedOverUnrecordedTarget = 1.5;
 // The chip model's library, loaded as a host loads a PD library, on a new
 // private chip.
 void* chipLibrary() {
-  static void* handle = [] {
-    void* loaded = dlopen(CHIPSIM_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    if (loaded == nullptr) {
-      std::fprintf(stderr, "cannot load %s: %s\n", CHIPSIM_LIBRARY, dlerror());
-      std::abort();
-    }
-    return loaded;
-  }();
-  auto attach = reinterpret_cast<decltype(&chipsim_attach)>(dlsym(handle, "chipsim_attach"));
-  attach(nullptr);
-  return handle;
+  const chipsim_test::ChipsimLibrary& chip = chipsim_test::chipsim();
+  chip.attach(nullptr);
+  return chip.handle;
 }
 
 std::string tablesName() {

@@ -8,7 +8,6 @@
 // over untraced, ends the run.
 
 #include <benchmark/benchmark.h>
-#include <dlfcn.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -17,11 +16,11 @@
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
 #include "BfIngressMirrorLagGroup/hw/PluginTrace.h"
-#include "ChipSymbol.h"
 #include "TimesReporter.h"
 #include "Vel/Allocate.h"
 #include "Vel/TraceSink.h"
 #include "chipsim/chipsim.h"
+#include "support/ChipsimLibrary.h"
 
 namespace {
 
@@ -31,7 +30,7 @@ using BfIngressMirrorLagGroup::IngressMirrorLagGroupTableEntry;
 using PdMatchSpec = p4_pd_kestro_switch_ingressMirrorLagGroup_match_spec_t;
 
 constexpr std::uint8_t kDevice = 0;
-constexpr std::uint16_t kPipe = 0xFFFF;
+constexpr std::uint16_t kPipe = P4_PD_ALL_PIPES;
 constexpr p4_pd_device_target_t kTarget{kDevice, kPipe};
 constexpr std::uint32_t kSession = 1;
 constexpr std::uint32_t kMemberId = 1;
@@ -42,44 +41,18 @@ constexpr std::uint16_t kMeasuredKey = 0;
 constexpr double kTableOverRawTarget = 1.3;
 constexpr double kTraceOnOverOffTarget = 3.0;
 
-// The chip model's library, loaded as a host loads a PD library, with the few
-// functions that the benchmark calls itself. Its chips hold 65536 entries.
-struct Chip {
-  Chip() {
-    if (handle == nullptr) {
-      std::fprintf(stderr, "cannot load %s: %s\n", CHIPSIM_LIBRARY, dlerror());
-      std::abort();
-    }
-    configDefault = chipSymbol<decltype(configDefault)>(handle, "chipsim_config_default");
-    configure = chipSymbol<decltype(configure)>(handle, "chipsim_configure");
-    reset = chipSymbol<decltype(reset)>(handle, "chipsim_reset");
-    entries = chipSymbol<decltype(entries)>(handle, "chipsim_entries");
-    addEntry = chipSymbol<decltype(addEntry)>(
-        handle, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry");
-    tableDelete = chipSymbol<decltype(tableDelete)>(
-        handle, "p4_pd_kestro_switch_ingressMirrorLagGroup_table_delete");
-    addMember = chipSymbol<decltype(addMember)>(
-        handle,
-        "p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector");
+// The chip model's library, loaded as a host loads a PD library. Its chips
+// hold 65536 entries.
+const chipsim_test::ChipsimLibrary& chip() {
+  static const chipsim_test::ChipsimLibrary& lib = []() -> const chipsim_test::ChipsimLibrary& {
+    const chipsim_test::ChipsimLibrary& loaded = chipsim_test::chipsim();
     chipsim_config config{};
-    configDefault(&config);
+    loaded.configDefault(&config);
     config.entries = 65536;
-    configure(&config);
-  }
-
-  void* handle = dlopen(CHIPSIM_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-  decltype(&chipsim_config_default) configDefault;
-  decltype(&chipsim_configure) configure;
-  decltype(&chipsim_reset) reset;
-  decltype(&chipsim_entries) entries;
-  p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_fn addEntry;
-  p4_pd_kestro_switch_ingressMirrorLagGroup_table_delete_fn tableDelete;
-  p4_pd_kestro_switch_mirrorLagPortActionProfile_add_member_with_setLagMemberSelector_fn addMember;
-};
-
-Chip& chip() {
-  static Chip* instance = new Chip;  // kept loaded for the whole run
-  return *instance;
+    loaded.configure(&config);
+    return loaded;
+  }();
+  return lib;
 }
 
 // Takes trace records and drops them, so that tracing itself is measured.
