@@ -91,7 +91,9 @@ CHIPSIM_API int chipsim_config_get(chipsim_config* config);
 /*
  * Attaches the process to the chip in the shared-memory segment `name` ("/x"
  * or "x"), making it if there is none; NULL attaches to a new private chip.
- * EINVAL for a bad name or a segment that is not a chip of this version.
+ * EINVAL for a bad name or a segment that is not a chip of this version;
+ * EPERM for a segment that is not a regular file of this user with mode 0600
+ * (chipsim_last_fault says whose and which mode), ELOOP for a link.
  */
 CHIPSIM_API int chipsim_attach(const char* name);
 
@@ -175,7 +177,8 @@ CHIPSIM_API int chipsim_examine(const char** fault);
 
 /*
  * What the calling thread's last call that failed with EUCLEAN (a damaged
- * chip, chipsim_attach too) or ETIMEDOUT (a lock held too long) found; "" when
+ * chip, chipsim_attach too), ETIMEDOUT (a lock held too long) or EPERM (a
+ * segment of another user or mode, chipsim_attach) found; "" when
  * there was none. Valid until the thread's next call.
  */
 CHIPSIM_API const char* chipsim_last_fault(void);

@@ -84,7 +84,7 @@ int Cli::dispatch(const std::string& command, const std::vector<std::string>& op
     if (error == EUCLEAN) {
       return failure("chip '" + chip_ + "' is damaged: " + chipsim_last_fault());
     }
-    if (error == ETIMEDOUT) {
+    if (error == ETIMEDOUT || error == EPERM) {
       return failure("chip '" + chip_ + "': " + chipsim_last_fault());
     }
     return failure("cannot attach to chip '" + chip_ + "': " + std::strerror(error));

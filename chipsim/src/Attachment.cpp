@@ -63,7 +63,7 @@ int Attachment::attach(const char* name, bool create) {
   std::string fault;
   int error = name == nullptr ? Segment::makePrivate(config_, segment)
                               : Segment::open(name, create, config_, segment, fault);
-  if (error == EUCLEAN || error == ETIMEDOUT) {
+  if (error == EUCLEAN || error == ETIMEDOUT || error == EPERM) {
     lastFault() = fault;
   }
   if (error == 0) {

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
+#include <cstdio>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -22,6 +23,43 @@
 namespace chipsim {
 
 namespace {
+
+// Opens the segment file, never through a link; when `create`, makes it if
+// there is none, as a file of this user with mode 0600. -1 and errno on
+// failure.
+int openFile(const std::string& name, bool create) {
+  constexpr int kFlags = O_RDWR | O_NOFOLLOW;
+  if (create) {
+    const int made = shm_open(name.c_str(), kFlags | O_CREAT | O_EXCL, 0600);
+    if (made >= 0) {
+      // The mode the creator's umask may have narrowed.
+      if (fchmod(made, 0600) == 0) {
+        return made;
+      }
+      const int error = errno;
+      close(made);
+      errno = error;
+      return -1;
+    }
+    if (errno != EEXIST) {
+      return -1;
+    }
+  }
+  return shm_open(name.c_str(), kFlags, 0);
+}
+
+// Why a segment file is not taken as a chip: anything but a regular file of
+// this user with mode 0600 could have been made, or changed, by anyone.
+std::optional<std::string> ownershipFault(const struct stat& status) {
+  const unsigned mode = status.st_mode & 07777;
+  if (S_ISREG(status.st_mode) && status.st_uid == geteuid() && mode == 0600) {
+    return std::nullopt;
+  }
+  char octal[8];
+  std::snprintf(octal, sizeof octal, "%04o", mode);
+  return "its segment is not a file of this user with mode 0600 (owner " +
+         std::to_string(status.st_uid) + ", mode " + octal + ")";
+}
 
 // The POSIX name of a segment: "/" and one path component.
 std::optional<std::string> segmentName(const char* name) {
@@ -117,7 +155,7 @@ int Segment::open(const char* name, bool create, const chipsim_config& config,
   if (!full || !layout) {
     return EINVAL;
   }
-  int fd = shm_open(full->c_str(), O_RDWR | (create ? O_CREAT : 0), 0600);
+  int fd = openFile(*full, create);
   if (fd < 0) {
     return errno;
   }
@@ -132,6 +170,10 @@ int Segment::open(const char* name, bool create, const chipsim_config& config,
   struct stat status;
   if (fstat(fd, &status) != 0) {
     return errno;
+  }
+  if (std::optional<std::string> refusal = ownershipFault(status)) {
+    fault = *refusal;
+    return EPERM;
   }
   uint64_t size = static_cast<uint64_t>(status.st_size);
   std::byte* base = size >= sizeof(ChipHeader) ? mapShared(fd, size) : nullptr;
