@@ -55,12 +55,7 @@ class ChipDamageMatrixTest : public ChipFixture, public testing::WithParamInterf
   void SetUp() override {
     ChipFixture::SetUp();
     ASSERT_EQ(pd.attach(chip.name().c_str()), 0);
-    const uint32_t member = addMember(7);
-    addMember(8);
-    const uint32_t group = createGroup(3);
-    addToGroup(group, member);
-    addEntry(5, member);
-    addGroupEntry(6, group);
+    addMembersAGroupAndEntries();
     ASSERT_EQ(pd.attach(nullptr), 0);
     damage();
   }

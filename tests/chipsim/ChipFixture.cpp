@@ -60,6 +60,15 @@ void ChipFixture::addToGroup(uint32_t group, uint32_t member) {
   EXPECT_EQ(pd.addMemberToGroup(1, 0, group, member), PIPE_STATUS_SUCCESS);
 }
 
+void ChipFixture::addMembersAGroupAndEntries() {
+  const uint32_t member = addMember(7);
+  addMember(8);
+  const uint32_t group = createGroup(3);
+  addToGroup(group, member);
+  addEntry(5, member);
+  addGroupEntry(6, group);
+}
+
 int64_t ChipFixture::totalCalls() {
   int64_t total = 0;
   for (const std::string& name : kPdFunctions) {

@@ -36,6 +36,10 @@ class ChipFixture : public ::testing::Test {
   uint32_t addEntry(uint16_t key, uint32_t member, uint32_t pipe = P4_PD_ALL_PIPES);
   uint32_t addGroupEntry(uint16_t key, uint32_t group, uint32_t pipe = P4_PD_ALL_PIPES);
   void addToGroup(uint32_t group, uint32_t member);
+  // What the damage tests damage: member 1 (selector 7) and member 2
+  // (selector 8), group 1 of size 3 holding member 1, entry 1 of session 5 on
+  // member 1 and entry 2 of session 6 on group 1.
+  void addMembersAGroupAndEntries();
 
   // Calls of every PD function together, since the chip was made or reset.
   static int64_t totalCalls();

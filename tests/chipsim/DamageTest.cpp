@@ -42,12 +42,7 @@ class DamageTest : public ChipFixture {
   void SetUp() override {
     ChipFixture::SetUp();
     ASSERT_EQ(pd.attach(chip.c_str()), 0);
-    const uint32_t member = addMember(7);
-    addMember(8);
-    const uint32_t group = createGroup(3);
-    addToGroup(group, member);
-    addEntry(5, member);
-    addGroupEntry(6, group);
+    addMembersAGroupAndEntries();
   }
   void TearDown() override {
     // The damaged chip is left alone; the fixture's check looks at a new one.
