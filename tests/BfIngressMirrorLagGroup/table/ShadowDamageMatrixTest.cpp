@@ -221,7 +221,7 @@ class ShadowDamageMatrixTest : public testing::TestWithParam<std::tuple<Table, s
   }
 
   Table table() const { return std::get<0>(GetParam()); }
-  const Damage& damage() const { return damages().at(std::get<1>(GetParam())); }
+  Damage damage() const { return damages().at(std::get<1>(GetParam())); }
 
   // Members, a group of four and entries on both, recorded as an earlier
   // instance of the host records them; its key manager goes at the end.
