@@ -11,6 +11,10 @@ namespace chipsim {
 
 // The memory a chip lives in: a private mapping, or a named POSIX
 // shared-memory segment (mode 0600) that other processes map too.
+// A segment shorter than its chip is refused when it is opened. A segment that
+// another process cuts short after that is not looked for again: checking its
+// size on every PD call would cost a system call per call, and only a process
+// that may write the segment (its owner, mode 0600) can cut it.
 class Segment {
  public:
   ~Segment();
