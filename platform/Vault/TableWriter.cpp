@@ -48,8 +48,15 @@ void TableWriter::attach(const SegmentFile& file, std::uint32_t recordType,
 void TableWriter::checkDimensions(std::uint32_t recordType, std::uint32_t capacity) const {
   const TableHeader found = header();
   view_.checkHeader(found.recordType, found.recordSize);
-  if (found.recordType != recordType || found.recordSize != layout_.recordSize ||
-      found.capacity != capacity) {
+  // A table's name says what kind of record it holds: another kind under it is
+  // damage (made anew by a restart), another capacity a table of another
+  // configuration (kept, and refused).
+  if (found.recordType != recordType || found.recordSize != layout_.recordSize) {
+    throw Quill::CorruptionDetectedException(Vel::format(
+        "Vault table %s: records of type %u and %u bytes, expected type %u and %u bytes",
+        name().c_str(), found.recordType, found.recordSize, recordType, layout_.recordSize));
+  }
+  if (found.capacity != capacity) {
     Vel::throwRangeException(Vel::format(
         "Vault table %s holds %u records of type %u and %u bytes, not %u of type %u and %u bytes",
         name().c_str(), found.capacity, found.recordType, found.recordSize, capacity, recordType,

@@ -27,8 +27,9 @@ namespace Vault {
 // TableInUseException (naming the process that holds it).
 //
 // Errors: a bad name, a segment that cannot be opened, dimensions out of range,
-// a table of other dimensions under the name, or a full table raise
-// Vel::RangeException; a damaged header raises Quill::CorruptionDetectedException.
+// a table of another capacity under the name, or a full table raise
+// Vel::RangeException; a damaged header, or one that says the table holds
+// another kind of record, raises Quill::CorruptionDetectedException.
 class TableWriter {
  public:
   using WriteProbe = void (*)(WriteStep);

@@ -31,10 +31,15 @@
 #include "BfnMbbShared/SelGrpEntryConfig.h"
 #include "MbbVaultKey/VaultKeyManager.h"
 #include "Pd/PipeStatus.h"
+#include "Quill/CorruptionDetectedException.h"
 #include "Vault/IterHint.h"
 #include "Vault/MbbPostcodef/EntryConfig.h"
 #include "Vault/ReadOnlyVaultTable.h"
+#include "Vault/SlotControl.h"
+#include "Vault/SlotCopy.h"
 #include "Vault/TableHeader.h"
+#include "Vault/TableLayout.h"
+#include "Vault/TableView.h"
 #include "Vel/Allocate.h"
 #include "support/ChipsimLibrary.h"
 #include "support/ScratchShadowBase.h"
@@ -44,6 +49,7 @@ namespace {
 
 using BfPdIngressMirrorLagGroup::BfPdIngressMirrorLagGroupIntf;
 using MbbVaultKey::VaultKeyManager;
+using Vault::SlotCopy;
 using Vault::TableHeader;
 
 constexpr std::uint8_t kDevice = 0;
@@ -139,6 +145,72 @@ Damage forged(const std::string& name, const std::function<void(TableHeader&)>& 
           }};
 }
 
+// The slots of a table that hold a record, by their control words.
+std::vector<std::uint32_t> usedSlots(const SegmentBytes& segment,
+                                     const Vault::TableLayout& layout) {
+  std::vector<std::uint32_t> used;
+  for (std::uint32_t slot = 0; slot < layout.capacity; ++slot) {
+    std::uint32_t word = 0;
+    std::memcpy(&word,
+                segment.read(static_cast<off_t>(layout.slotOffset(slot)), sizeof word).data(),
+                sizeof word);
+    if (Vault::SlotControl(word).state() != Vault::SlotState::Free)
+      used.push_back(slot);
+  }
+  return used;
+}
+
+// The live copy of a slot that holds a record: its header and record bytes.
+class LiveCopy {
+ public:
+  LiveCopy(const SegmentBytes& segment, const Vault::TableLayout& layout, std::uint32_t slot)
+      : segment_(segment), slot_(slot) {
+    std::uint32_t word = 0;
+    std::memcpy(&word,
+                segment.read(static_cast<off_t>(layout.slotOffset(slot)), sizeof word).data(),
+                sizeof word);
+    offset_ = static_cast<off_t>(layout.slotOffset(slot) +
+                                 layout.copyOffset(Vault::SlotControl(word).copy()));
+    std::memcpy(&head, segment.read(offset_, sizeof head).data(), sizeof head);
+    record = segment.read(offset_ + static_cast<off_t>(sizeof head), layout.recordSize);
+  }
+
+  // Writes the copy back with the checksum that matches what it now holds.
+  void forge() {
+    head.checksum = Vault::TableView::copyChecksum(slot_, head, record.data());
+    std::vector<unsigned char> bytes(sizeof head);
+    std::memcpy(bytes.data(), &head, sizeof head);
+    segment_.write(offset_, bytes);
+    segment_.write(offset_ + static_cast<off_t>(sizeof head), record);
+  }
+
+  SlotCopy head{};
+  std::vector<unsigned char> record;
+
+ private:
+  const SegmentBytes& segment_;
+  std::uint32_t slot_;
+  off_t offset_ = 0;
+};
+
+// The record of the last slot in use changed and its checksum made to match,
+// as a forger would; `first` is the record of the first slot in use (the same
+// one when the table holds one record).
+Damage forgedRecord(const std::string& name,
+                    const std::function<void(LiveCopy& last, const LiveCopy& first)>& change) {
+  return {name, [change](const SegmentBytes& segment) {
+            const TableHeader header = segment.header();
+            const Vault::TableLayout layout =
+                *Vault::TableLayout::of(header.recordSize, header.capacity);
+            const std::vector<std::uint32_t> used = usedSlots(segment, layout);
+            ASSERT_FALSE(used.empty());
+            const LiveCopy first(segment, layout, used.front());
+            LiveCopy last(segment, layout, used.back());
+            change(last, first);
+            last.forge();
+          }};
+}
+
 std::vector<Damage> damages() {
   std::vector<Damage> all = {
       {"CutToNothing", [](const SegmentBytes& s) { s.resize(0); }},
@@ -170,6 +242,20 @@ std::vector<Damage> damages() {
       forged("ForgedRecordSize", [](TableHeader& h) { h.recordSize += 8; }),
       forged("ForgedRecordType", [](TableHeader& h) { h.recordType ^= 1; }),
       forged("RecordCountPastTheCapacity", [](TableHeader& h) { h.recordCount = 0xFFFFFFFFu; }),
+      forgedRecord("ForgedRecordBytes",
+                   [](LiveCopy& last, const LiveCopy&) {
+                     last.record = randomBytes(last.record.size(), 13);
+                   }),
+      forgedRecord("ForgedKeyOfAnotherSlot",
+                   [](LiveCopy& last, const LiveCopy&) { last.head.key ^= 1; }),
+      forgedRecord("ForgedKeyOutOfRange",
+                   [](LiveCopy& last, const LiveCopy&) { last.head.key = ~std::uint64_t{0}; }),
+      forgedRecord("ForgedKeyOfTheFirstRecord",
+                   [](LiveCopy& last, const LiveCopy& first) { last.head.key = first.head.key; }),
+      forgedRecord("ForgedCopyState",
+                   [](LiveCopy& last, const LiveCopy&) { last.head.state = 0xff; }),
+      forgedRecord("ForgedSequenceFromTheFuture",
+                   [](LiveCopy& last, const LiveCopy&) { last.head.sequence = ~std::uint64_t{0}; }),
   };
   // Each 32-bit word of the header, all its bits flipped.
   for (std::size_t word = 0; word < sizeof(TableHeader) / 4; ++word) {
@@ -193,6 +279,21 @@ std::vector<Damage> damages() {
     operation();
   } catch (const std::exception& e) {
     status = std::strlen(e.what()) == 0 ? 1 : 0;
+  }
+  std::fflush(nullptr);
+  _exit(status);
+}
+
+// Runs `operation` with a deadline; exits 0 when it is done, 2 (saying why)
+// when it throws.
+[[noreturn]] void runToSuccess(const std::function<void()>& operation) {
+  alarm(kDeadlineSeconds);
+  int status = 0;
+  try {
+    operation();
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "%s\n", e.what());
+    status = 2;
   }
   std::fflush(nullptr);
   _exit(status);
@@ -266,8 +367,22 @@ class ShadowDamageMatrixTest : public testing::TestWithParam<std::tuple<Table, s
   }
 
   // The restart of a host on the damaged tables: attach, settle, adopt.
-  void restart() const {
-    const auto keys = Vel::allocate<VaultKeyManager>(base.str(), kCapacity);
+  void restart() const { restartOn(Vel::allocate<VaultKeyManager>(base.str(), kCapacity)); }
+
+  // The restart of the reference agent: tables whose header is damaged are
+  // made anew before the rest of the restart.
+  void restartAsTheAgent() const {
+    Vel::Ptr<VaultKeyManager> keys;
+    try {
+      keys = Vel::allocate<VaultKeyManager>(base.str(), kCapacity);
+    } catch (const Quill::CorruptionDetectedException&) {
+      VaultKeyManager::unlink(base.str());
+      keys = Vel::allocate<VaultKeyManager>(base.str(), kCapacity);
+    }
+    restartOn(keys);
+  }
+
+  void restartOn(const Vel::Ptr<VaultKeyManager>& keys) const {
     {
       const auto pd =
           Vel::allocate<BfPdIngressMirrorLagGroupIntf>(CHIPSIM_LIBRARY, chip.handle, kSession);
@@ -305,6 +420,11 @@ TEST_P(ShadowDamageMatrixTest, TheKeyManagerAttachesOrRefusesWithAMessage) {
 
 TEST_P(ShadowDamageMatrixTest, ARestartAdoptsOrRefusesWithAMessage) {
   EXPECT_EXIT(runToEnd([this] { restart(); }), testing::ExitedWithCode(0), "");
+}
+
+TEST_P(ShadowDamageMatrixTest, TheRestartAfterTheDamagedOneIsClean) {
+  EXPECT_EXIT(runToSuccess([this] { restartAsTheAgent(); }), testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(runToSuccess([this] { restart(); }), testing::ExitedWithCode(0), "");
 }
 
 std::string caseName(const testing::TestParamInfo<std::tuple<Table, std::size_t>>& info) {
