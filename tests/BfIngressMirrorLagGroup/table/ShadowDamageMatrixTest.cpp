@@ -1,11 +1,12 @@
 // Every shadow table of a restarted host, damaged in every way a careless or
 // hostile process could (cut short, grown, its header zeroed, scrambled, each
 // of its words flipped, its fields forged with a good checksum, its records
-// scrambled or zeroed), under every operation that reads it: a reader's walk,
-// the key manager's attach, and a whole restart (attach, reconciler, both
-// factories). Each case runs in a child process with a deadline: it must end
-// with the operation done or refused with a message, never with a signal or a
-// hang.
+// scrambled, zeroed or forged with a good checksum), under every operation
+// that reads it: a reader's walk, the key manager's attach, and a whole restart
+// (attach, reconciler, both factories). Each case runs in a child process with
+// a deadline: it must end with the operation done or refused with a message,
+// never with a signal or a hang; and after a restart that makes damaged tables
+// anew, as the agent's does, the next restart must be clean.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
