@@ -5,9 +5,9 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
+#include "Vault/FlatIndex.h"
 #include "Vault/IterHint.h"
 #include "Vault/MbbPostcodef/EntryKey.h"
 #include "Vault/ReadOnlyVaultTable.h"
@@ -56,13 +56,29 @@ class ShadowTable {
   std::optional<R> record(const EntryKey& key) const { return find(key, false); }
   // The intent of `key`, or nothing.
   std::optional<R> intent(const EntryKey& key) const { return find(key, true); }
+  // Copies the finished record of `key` into `record`; false, leaving it as
+  // it was, when there is none.
+  bool recordInto(const EntryKey& key, R& record) const {
+    auto found = byKey_.find(key.value());
+    if (found == byKey_.end() || found->second.intent) {
+      return false;
+    }
+    record = found->second.record;
+    return true;
+  }
+  // Copies the finished record of a chip handle into `record`; false, leaving
+  // it as it was, when there is none.
+  bool recordOfHandleInto(std::uint32_t handle, R& record) const {
+    const std::uint64_t* key = keyOfHandle_.find(handle);
+    return key != nullptr && recordInto(EntryKey::fromValue(*key), record);
+  }
   // The key of the finished record of a chip handle, or nothing.
   std::optional<EntryKey> keyOfHandle(std::uint32_t handle) const {
-    auto found = keyOfHandle_.find(handle);
-    if (found == keyOfHandle_.end()) {
+    const std::uint64_t* found = keyOfHandle_.find(handle);
+    if (found == nullptr) {
       return std::nullopt;
     }
-    return EntryKey::fromValue(found->second);
+    return EntryKey::fromValue(*found);
   }
   // The first finished record (in key order) for which `match` holds.
   std::optional<R> recordWhere(const std::function<bool(const R&)>& match) const {
@@ -106,7 +122,7 @@ class ShadowTable {
     table_->write(record);
     forgetHandle(record.vaultKey());
     spareSlots_.assign(byKey_, record.vaultKey(), Slot{record, false});
-    spareHandles_.assign(keyOfHandle_, record.handle(), record.vaultKey());
+    keyOfHandle_.assign(record.handle(), record.vaultKey());
   }
   // Removes the record or intent of `key`; false when there is none.
   bool recordDel(const EntryKey& key) {
@@ -131,7 +147,7 @@ class ShadowTable {
     Vault::IterHint hint;
     for (bool found = table_->first(record, hint); found; found = table_->next(record, hint)) {
       byKey_[record.vaultKey()] = {record, false};
-      keyOfHandle_[record.handle()] = record.vaultKey();
+      keyOfHandle_.assign(record.handle(), record.vaultKey());
     }
     for (bool found = table_->firstIntent(record, hint); found;
          found = table_->nextIntent(record, hint)) {
@@ -160,21 +176,20 @@ class ShadowTable {
     if (slot == byKey_.end() || slot->second.intent) {
       return;
     }
-    auto indexed = keyOfHandle_.find(slot->second.record.handle());
-    if (indexed != keyOfHandle_.end() && indexed->second == key) {
-      spareHandles_.erase(keyOfHandle_, indexed);
+    const std::uint32_t handle = slot->second.record.handle();
+    const std::uint64_t* indexed = keyOfHandle_.find(handle);
+    if (indexed != nullptr && *indexed == key) {
+      keyOfHandle_.erase(handle);
     }
   }
 
   Vel::Ptr<Vault::VaultTable<R>> table_;
   Vel::Ptr<Vault::VaultBase<R>> config_;
   using ByKey = std::map<std::uint64_t, Slot>;
-  using KeyOfHandle = std::unordered_map<std::uint32_t, std::uint64_t>;
   ByKey byKey_;
-  KeyOfHandle keyOfHandle_;
-  // Nodes of the two kept for the next record, which mostly follows a removal.
+  Vault::FlatIndex<std::uint32_t, std::uint64_t> keyOfHandle_;
+  // Nodes of the map kept for the next record, which mostly follows a removal.
   Vault::SpareNodes<ByKey> spareSlots_;
-  Vault::SpareNodes<KeyOfHandle> spareHandles_;
   std::uint32_t damagedFreed_ = 0;
 };
 

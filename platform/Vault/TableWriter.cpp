@@ -21,6 +21,7 @@ TableWriter::TableWriter(const std::string& name, std::uint32_t recordType,
                                          view_.name().c_str(), capacity, recordSize));
   }
   layout_ = *layout;
+  freeSlots_.reset(layout_.capacity);
   file_ = std::make_unique<SegmentFile>(name);
   attach(*file_, recordType, capacity);
   recover();
@@ -107,9 +108,9 @@ void TableWriter::indexSlot(std::uint32_t slot, std::byte* scratch) {
   try {
     SlotEntry entry = view_.readSlot(layout_, slot, scratch);
     if (entry.state == SlotState::Free) {
-      freeSlots_.insert(slot);
+      freeSlots_.add(slot);
     } else {
-      slotOfKey_[entry.key] = slot;
+      slotOfKey_.assign(entry.key, slot);
     }
   } catch (const Quill::CorruptionDetectedException&) {
     // Kept out of use until cleanup() frees it; readers report it meanwhile.
@@ -118,11 +119,11 @@ void TableWriter::indexSlot(std::uint32_t slot, std::byte* scratch) {
 }
 
 std::optional<std::uint32_t> TableWriter::slotOf(std::uint64_t key) const {
-  auto found = slotOfKey_.find(key);
-  if (found == slotOfKey_.end()) {
+  const std::uint32_t* slot = slotOfKey_.find(key);
+  if (slot == nullptr) {
     return std::nullopt;
   }
-  return found->second;
+  return *slot;
 }
 
 std::uint32_t TableWriter::write(std::uint64_t key, const void* record, SlotState state) {
@@ -136,7 +137,7 @@ std::uint32_t TableWriter::write(std::uint64_t key, const void* record, SlotStat
   std::uint32_t slot = takeFreeSlot();
   writeCopy(slot, 0, key, record, state);
   publish(slot, state, 0);
-  spareKeyNodes_.assign(slotOfKey_, key, slot);
+  slotOfKey_.assign(key, slot);
   countIs(header().recordCount + 1);
   return slot;
 }
@@ -146,9 +147,7 @@ std::uint32_t TableWriter::takeFreeSlot() {
     Vel::throwRangeException(
         Vel::format("Vault table %s is full (%u records)", name().c_str(), layout_.capacity));
   }
-  std::uint32_t slot = *freeSlots_.begin();
-  spareSlotNodes_.erase(freeSlots_, freeSlots_.begin());
-  return slot;
+  return freeSlots_.takeLowest();
 }
 
 void TableWriter::writeCopy(std::uint32_t slot, unsigned copy, std::uint64_t key,
@@ -174,12 +173,12 @@ void TableWriter::publish(std::uint32_t slot, SlotState state, unsigned copy) {
 }
 
 bool TableWriter::remove(std::uint64_t key) {
-  const auto found = slotOfKey_.find(key);
-  if (found == slotOfKey_.end()) {
+  const std::uint32_t* found = slotOfKey_.find(key);
+  if (found == nullptr) {
     return false;
   }
-  const std::uint32_t slot = found->second;
-  spareKeyNodes_.erase(slotOfKey_, found);
+  const std::uint32_t slot = *found;
+  slotOfKey_.erase(key);
   freeSlot(slot);
   return true;
 }
@@ -187,7 +186,7 @@ bool TableWriter::remove(std::uint64_t key) {
 void TableWriter::freeSlot(std::uint32_t slot) {
   __atomic_store_n(reinterpret_cast<std::uint32_t*>(slotBytes(slot)),
                    SlotControl(SlotState::Free, 0).word(), __ATOMIC_RELEASE);
-  spareSlotNodes_.add(freeSlots_, slot);
+  freeSlots_.add(slot);
   countIs(header().recordCount - 1);
 }
 

@@ -5,11 +5,11 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <unordered_map>
 
+#include "Vault/FlatIndex.h"
+#include "Vault/FreeSlots.h"
 #include "Vault/SharedSegment.h"
 #include "Vault/SlotEntry.h"
-#include "Vault/SpareNodes.h"
 #include "Vault/TableLayout.h"
 #include "Vault/TableView.h"
 #include "Vault/WriteStep.h"
@@ -101,13 +101,8 @@ class TableWriter {
   std::unique_ptr<SharedSegment> segment_;
   TableLayout layout_{};
   TableView view_;
-  using SlotOfKey = std::unordered_map<std::uint64_t, std::uint32_t>;
-  using FreeSlots = std::set<std::uint32_t>;
-  SlotOfKey slotOfKey_;
+  FlatIndex<std::uint64_t, std::uint32_t> slotOfKey_;
   FreeSlots freeSlots_;
-  // Nodes of the two kept for the next record, which mostly follows a removal.
-  SpareNodes<SlotOfKey> spareKeyNodes_;
-  SpareNodes<FreeSlots> spareSlotNodes_;
   std::set<std::uint32_t> damagedSlots_;
   WriteProbe probe_ = nullptr;
 };
