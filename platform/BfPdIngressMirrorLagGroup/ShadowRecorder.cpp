@@ -13,111 +13,119 @@ bool isDefaultEntry(const EntryConfig& record) {
   return shadowOpOf(record.opId()) == ShadowOp::defaultEntrySet;
 }
 
-template <class R>
-std::uint32_t handleOf(const std::optional<R>& record) {
-  return record ? record->handle() : 0;
-}
-
-// The finished record of a chip handle in `table`, if any.
-template <class R>
-std::optional<R> recordOfHandle(const MbbVaultKey::ShadowTable<R>& table, std::uint32_t handle) {
-  std::optional<Vault::MbbPostcodef::EntryKey> key = table.keyOfHandle(handle);
-  return key ? table.record(*key) : std::nullopt;
-}
-
 }  // namespace
 
 ShadowRecorder::Step ShadowRecorder::begin(const ShadowCall& call) {
   MbbVaultKey::VaultKeyManager& manager = *vaultKeyManager_;
+  Step step;
   switch (call.op) {
     case ShadowOp::entryAdd:
-      return beginEntryAdd(call);
+      beginEntryAdd(call, step);
+      break;
     case ShadowOp::defaultEntrySet:
-      return beginDefaultEntrySet(call);
+      beginDefaultEntrySet(call, step);
+      break;
     case ShadowOp::entryDelete:
-      return beginDelete(*manager.entryShadow(),
-                         recordOfHandle(*manager.entryShadow(), call.handle), call.op);
+      beginDelete(*manager.entryShadow(), call.handle, call.op, step);
+      break;
     case ShadowOp::defaultEntryReset:
-      return beginDelete(*manager.entryShadow(), manager.entryShadow()->recordWhere(isDefaultEntry),
-                         call.op);
+      if (std::optional<EntryConfig> record = manager.entryShadow()->recordWhere(isDefaultEntry)) {
+        beginDeleteOf(*manager.entryShadow(), *record, call.op, step);
+      }
+      break;
     case ShadowOp::memberAdd:
-      return beginMemberAdd(call);
+      beginMemberAdd(call, step);
+      break;
     case ShadowOp::memberDelete:
-      return beginDelete(*manager.memberShadow(),
-                         recordOfHandle(*manager.memberShadow(), call.handle), call.op);
+      beginDelete(*manager.memberShadow(), call.handle, call.op, step);
+      break;
     case ShadowOp::groupCreate:
-      return beginGroupCreate(call);
+      beginGroupCreate(call, step);
+      break;
     case ShadowOp::groupDelete:
-      return beginDelete(*manager.groupShadow(),
-                         recordOfHandle(*manager.groupShadow(), call.handle), call.op);
+      beginDelete(*manager.groupShadow(), call.handle, call.op, step);
+      break;
     case ShadowOp::none:
       break;
   }
-  return std::monostate();
+  return step;
 }
 
-ShadowRecorder::Step ShadowRecorder::beginEntryAdd(const ShadowCall& call) {
+void ShadowRecorder::beginEntryAdd(const ShadowCall& call, Step& step) {
   MbbVaultKey::ShadowTable<EntryConfig>& table = *vaultKeyManager_->entryShadow();
-  EntryKey key = vaultKeyManager_->entryKeyTake();
-  std::optional<EntryConfig> replaced = table.record(key);
-  return beginCreate(table,
-                     EntryConfig(key, opIdOf(call.op), handleOf(replaced),
-                                 call.ingMirrorMdMirrorSession, call.devPipeId),
-                     replaced, call.newHandle);
+  const EntryKey key = vaultKeyManager_->entryKeyTake();
+  ShadowStep<EntryConfig>& started = stepIn(step, table, call.newHandle);
+  started.hasReplaced = table.recordInto(key, started.replaced);
+  started.intent = EntryConfig(key, opIdOf(call.op), started.replacedHandle(),
+                               call.ingMirrorMdMirrorSession, call.devPipeId);
+  table.intentIs(started.intent);
 }
 
-ShadowRecorder::Step ShadowRecorder::beginDefaultEntrySet(const ShadowCall& call) {
+void ShadowRecorder::beginDefaultEntrySet(const ShadowCall& call, Step& step) {
   MbbVaultKey::ShadowTable<EntryConfig>& table = *vaultKeyManager_->entryShadow();
-  EntryKey key = vaultKeyManager_->entryKeyTake();
-  std::optional<EntryConfig> replaced = table.recordWhere(isDefaultEntry);
-  return beginCreate(table,
-                     EntryConfig(key, opIdOf(call.op), handleOf(replaced), 0, call.devPipeId),
-                     replaced, call.newHandle);
+  const EntryKey key = vaultKeyManager_->entryKeyTake();
+  ShadowStep<EntryConfig>& started = stepIn(step, table, call.newHandle);
+  if (std::optional<EntryConfig> replaced = table.recordWhere(isDefaultEntry)) {
+    started.replaced = *replaced;
+    started.hasReplaced = true;
+  }
+  started.intent = EntryConfig(key, opIdOf(call.op), started.replacedHandle(), 0, call.devPipeId);
+  table.intentIs(started.intent);
 }
 
-ShadowRecorder::Step ShadowRecorder::beginMemberAdd(const ShadowCall& call) {
-  std::optional<EntryKey> key = vaultKeyManager_->anonKeyTake();
+void ShadowRecorder::beginMemberAdd(const ShadowCall& call, Step& step) {
+  const std::optional<EntryKey> key = vaultKeyManager_->anonKeyTake();
   if (!key) {
-    return std::monostate();
+    return;
   }
   MbbVaultKey::ShadowTable<AdtEntryConfig>& table = *vaultKeyManager_->memberShadow();
-  std::optional<AdtEntryConfig> replaced = table.record(*key);
-  return beginCreate(table, AdtEntryConfig(*key, opIdOf(call.op), handleOf(replaced)), replaced,
-                     call.newHandle);
+  ShadowStep<AdtEntryConfig>& started = stepIn(step, table, call.newHandle);
+  started.hasReplaced = table.recordInto(*key, started.replaced);
+  started.intent = AdtEntryConfig(*key, opIdOf(call.op), started.replacedHandle());
+  table.intentIs(started.intent);
 }
 
-ShadowRecorder::Step ShadowRecorder::beginGroupCreate(const ShadowCall& call) {
-  std::optional<EntryKey> key = vaultKeyManager_->anonKeyTake();
+void ShadowRecorder::beginGroupCreate(const ShadowCall& call, Step& step) {
+  const std::optional<EntryKey> key = vaultKeyManager_->anonKeyTake();
   if (!key) {
-    return std::monostate();
+    return;
   }
   MbbVaultKey::ShadowTable<SelGrpEntryConfig>& table = *vaultKeyManager_->groupShadow();
-  std::optional<SelGrpEntryConfig> replaced = table.record(*key);
-  std::uint32_t replacedHandle = handleOf(replaced);
-  return beginCreate(table,
-                     SelGrpEntryConfig(*key, opIdOf(call.op), replacedHandle, call.maxGroupSize,
-                                       call.devPipeId, replacedHandle),
-                     replaced, call.newHandle);
+  ShadowStep<SelGrpEntryConfig>& started = stepIn(step, table, call.newHandle);
+  started.hasReplaced = table.recordInto(*key, started.replaced);
+  const std::uint32_t replacedHandle = started.replacedHandle();
+  started.intent = SelGrpEntryConfig(*key, opIdOf(call.op), replacedHandle, call.maxGroupSize,
+                                     call.devPipeId, replacedHandle);
+  table.intentIs(started.intent);
 }
 
 template <class R>
-ShadowRecorder::Step ShadowRecorder::beginCreate(MbbVaultKey::ShadowTable<R>& table, R intent,
-                                                 const std::optional<R>& replaced,
-                                                 const std::uint32_t* newHandle) {
-  table.intentIs(intent);
-  return ShadowStep<R>{&table, intent, replaced, newHandle};
+ShadowStep<R>& ShadowRecorder::stepIn(Step& step, MbbVaultKey::ShadowTable<R>& table,
+                                      const std::uint32_t* newHandle) {
+  ShadowStep<R>& started = step.emplace<ShadowStep<R>>();
+  started.table = &table;
+  started.newHandle = newHandle;
+  return started;
 }
 
 template <class R>
-ShadowRecorder::Step ShadowRecorder::beginDelete(MbbVaultKey::ShadowTable<R>& table,
-                                                 const std::optional<R>& record, ShadowOp op) {
-  if (!record) {
-    return std::monostate();
+void ShadowRecorder::beginDelete(MbbVaultKey::ShadowTable<R>& table, std::uint32_t handle,
+                                 ShadowOp op, Step& step) {
+  R record;
+  if (table.recordOfHandleInto(handle, record)) {
+    beginDeleteOf(table, record, op, step);
   }
-  R intent = *record;
-  intent.opIdIs(opIdOf(op));
-  table.intentIs(intent);
-  return ShadowStep<R>{&table, intent, record, nullptr};
+}
+
+template <class R>
+void ShadowRecorder::beginDeleteOf(MbbVaultKey::ShadowTable<R>& table, const R& record, ShadowOp op,
+                                   Step& step) {
+  ShadowStep<R>& started = stepIn(step, table, nullptr);
+  started.replaced = record;
+  started.hasReplaced = true;
+  started.intent = record;
+  started.intent.opIdIs(opIdOf(op));
+  table.intentIs(started.intent);
 }
 
 void ShadowRecorder::finish(const Step& step, bool succeeded) noexcept {
@@ -144,8 +152,8 @@ void ShadowRecorder::finishStep(const ShadowStep<R>& step, bool succeeded) {
     step.table->recordIs(done);
   } else if (succeeded && !creating) {
     step.table->recordDel(step.intent.key());
-  } else if (step.replaced && step.replaced->key() == step.intent.key()) {
-    step.table->recordIs(*step.replaced);
+  } else if (step.hasReplaced && step.replaced.key() == step.intent.key()) {
+    step.table->recordIs(step.replaced);
   } else {
     step.table->recordDel(step.intent.key());
   }

@@ -78,19 +78,27 @@ class ShadowRecorder {
       probe_(step);
     }
   }
+  // The steps are filled where call() keeps them, rather than built and
+  // copied: they are on the path of every recorded PD call.
   Step begin(const ShadowCall& call);
   void finish(const Step& step, bool succeeded) noexcept;
 
-  Step beginEntryAdd(const ShadowCall& call);
-  Step beginDefaultEntrySet(const ShadowCall& call);
-  Step beginMemberAdd(const ShadowCall& call);
-  Step beginGroupCreate(const ShadowCall& call);
+  void beginEntryAdd(const ShadowCall& call, Step& step);
+  void beginDefaultEntrySet(const ShadowCall& call, Step& step);
+  void beginMemberAdd(const ShadowCall& call, Step& step);
+  void beginGroupCreate(const ShadowCall& call, Step& step);
+  // A step of a call in `table`, with nothing replaced yet.
   template <class R>
-  static Step beginDelete(MbbVaultKey::ShadowTable<R>& table, const std::optional<R>& record,
-                          Vault::MbbPostcodef::ShadowOp op);
+  static ShadowStep<R>& stepIn(Step& step, MbbVaultKey::ShadowTable<R>& table,
+                               const std::uint32_t* newHandle);
+  // Starts the delete of the finished record of `handle`, if there is one.
   template <class R>
-  static Step beginCreate(MbbVaultKey::ShadowTable<R>& table, R intent,
-                          const std::optional<R>& replaced, const std::uint32_t* newHandle);
+  static void beginDelete(MbbVaultKey::ShadowTable<R>& table, std::uint32_t handle,
+                          Vault::MbbPostcodef::ShadowOp op, Step& step);
+  // Starts the delete of `record`.
+  template <class R>
+  static void beginDeleteOf(MbbVaultKey::ShadowTable<R>& table, const R& record,
+                            Vault::MbbPostcodef::ShadowOp op, Step& step);
   template <class R>
   static void finishStep(const ShadowStep<R>& step, bool succeeded);
 
