@@ -37,6 +37,11 @@ class AllocTrackTypeInfo {
     total_.fetch_add(1, std::memory_order_relaxed);
   }
   void released() noexcept { live_.fetch_sub(1, std::memory_order_relaxed); }
+  // An object that its owner keeps, emptied, to use again is counted as
+  // released meanwhile (released()), and comes back either as a new
+  // allocation (allocated()) or, just before it is destroyed instead, as live
+  // again (unparked()): the counts stay those of a free and a new allocation.
+  void unparked() noexcept { live_.fetch_add(1, std::memory_order_relaxed); }
 
   // The record of the type with this readable name, or null.
   static const AllocTrackTypeInfo* find(const std::string& typeName);

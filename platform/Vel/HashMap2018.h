@@ -21,7 +21,8 @@ namespace Vel {
 // slot's value may only be replaced by one with the same key. Slots are
 // counted framework objects chained in a Vel::HashMap, so look-up, bucket
 // order and deletion-tolerant iteration are those of Vel::HashMap; iterators
-// give `key()` and `value()` of the current slot.
+// give `key()` and `value()` of the current slot. A map with external keys
+// keeps the slot of its last removed key, emptied, for its next insert.
 template <class KeyT, class ValueT, class KeyFunktor = ExternalKey>
 class HashMap2018 {
   static constexpr bool externalKey = std::is_same_v<KeyFunktor, ExternalKey>;
@@ -52,6 +53,17 @@ class HashMap2018 {
     }
 
    private:
+    friend class HashMap2018;
+    // A slot kept for the next insert: it holds no key and no value meanwhile.
+    void forget() requires externalKey {
+      key_ = Key{};
+      value_ = Value{};
+    }
+    void reuse(const Key& key, const Value& value) requires externalKey {
+      key_ = key;
+      value_ = value;
+    }
+
     [[no_unique_address]] std::conditional_t<externalKey, Key, NoKey> key_;
     Value value_;
   };
@@ -62,6 +74,12 @@ class HashMap2018 {
 
   // Starts with `initialSize` buckets, rounded up to a power of two.
   explicit HashMap2018(std::uint32_t initialSize = 4) : slots_(initialSize) {}
+  ~HashMap2018() {
+    if (spare_)
+      spare_->velAllocTrack()->unparked();
+  }
+  HashMap2018(const HashMap2018&) = delete;
+  HashMap2018& operator=(const HashMap2018&) = delete;
 
   // The slot of this key, or null.
   Ptr<Slot> find(const Key& key) { return slots_.find(key); }
@@ -70,7 +88,15 @@ class HashMap2018 {
   // Adds a value under a key. Returns its new slot, or null, changing
   // nothing, when the key is present already.
   Ptr<Slot> insert(const Key& key, const Value& value) requires externalKey {
-    return added(allocate<Slot>(key, value));
+    if (!spare_)
+      return added(allocate<Slot>(key, value));
+    Ptr<Slot> slot = std::move(spare_);
+    slot->velAllocTrack()->allocated();
+    slot->reuse(key, value);
+    if (slots_.insert(slot))
+      return slot;
+    keep(std::move(slot));
+    return nullptr;
   }
   // Adds a value under its own key, as insert(key, value) does.
   Ptr<Slot> insert(const Value& value) requires(!externalKey) {
@@ -80,10 +106,13 @@ class HashMap2018 {
   // Takes the key out of the map and returns its value; no value when the key
   // is absent.
   std::optional<Value> remove(const Key& key) {
-    const Ptr<Slot> removed = slots_.remove(key);
+    Ptr<Slot> removed = slots_.remove(key);
     if (!removed)
       return std::nullopt;
-    return removed->value();
+    Value value = removed->value();
+    if constexpr (externalKey)
+      keep(std::move(removed));
+    return value;
   }
 
   // Removes one slot after another until the map is empty.
@@ -103,8 +132,21 @@ class HashMap2018 {
 
  private:
   Ptr<Slot> added(Ptr<Slot> slot) { return slots_.insert(slot) ? slot : nullptr; }
+  // Keeps a slot out of the map for the next insert when none is kept yet
+  // and nothing else refers to it (one reference, no framework flag), else
+  // lets it go. Its type's allocation record counts a kept slot as released.
+  void keep(Ptr<Slot> slot) requires externalKey {
+    if (spare_ || slot->referenceWord() != 1 || slot->velAllocTrack() == nullptr)
+      return;
+    slot->forget();
+    slot->velAllocTrack()->released();
+    spare_ = std::move(slot);
+  }
 
   Slots slots_;
+  // The slot of the last key removed, kept for the next key inserted: a key
+  // that comes and goes (an entry added, then deleted) costs no allocation.
+  Ptr<Slot> spare_;
 };
 
 }  // namespace Vel

@@ -238,6 +238,61 @@ TEST_F(HashMap2018Test, SlotsRemovedBeforeTheyAreReachedAreNotVisited) {
   EXPECT_EQ(map.size(), 50u);
 }
 
+TEST_F(HashMap2018Test, TheSlotOfARemovedKeyServesTheNextInsert) {
+  HandleMap map(4);
+  const HandleMap::Slot* removedSlot = map.insert(7, 0x1001).get();
+  EXPECT_EQ(map.remove(7), std::optional<std::uint32_t>(0x1001));
+  // Kept aside, the slot counts as released, as a freed one would.
+  EXPECT_EQ(live<HandleMap::Slot>(), 0u);
+  const Vel::Ptr<HandleMap::Slot> slot = map.insert(8, 0x1002);
+  ASSERT_NE(slot, nullptr);
+  EXPECT_EQ(slot.get(), removedSlot);
+  EXPECT_EQ(slot->fwkKey(), 8u);
+  EXPECT_EQ(slot->value(), 0x1002u);
+  EXPECT_EQ(live<HandleMap::Slot>(), 1u);
+  EXPECT_EQ(map.find(7), nullptr);
+  EXPECT_EQ(contents(map), (std::map<std::uint32_t, std::uint32_t>{{8, 0x1002}}));
+}
+
+TEST_F(HashMap2018Test, ASlotHeldElsewhereIsNotUsedAgain) {
+  HandleMap map(4);
+  map.insert(7, 0x1001);
+  const Vel::Ptr<HandleMap::Slot> held = map.find(7);
+  map.remove(7);
+  const Vel::Ptr<HandleMap::Slot> slot = map.insert(8, 0x1002);
+  EXPECT_NE(slot.get(), held.get());
+  EXPECT_EQ(held->fwkKey(), 7u);
+  EXPECT_EQ(held->value(), 0x1001u);
+  EXPECT_EQ(live<HandleMap::Slot>(), 2u);
+}
+
+TEST_F(HashMap2018Test, InsertingAPresentKeyKeepsTheSpareSlotForLater) {
+  HandleMap map(4);
+  map.insert(7, 0x1001);
+  map.insert(8, 0x1002);
+  const HandleMap::Slot* removedSlot = map.insert(9, 0x1003).get();
+  map.remove(9);
+  EXPECT_EQ(map.insert(8, 0x2002), nullptr);
+  EXPECT_EQ(map.find(8)->value(), 0x1002u);
+  EXPECT_EQ(live<HandleMap::Slot>(), 2u);
+  EXPECT_EQ(map.insert(10, 0x1004).get(), removedSlot);
+  EXPECT_EQ(live<HandleMap::Slot>(), 3u);
+}
+
+TEST_F(HashMap2018Test, AKeptSlotHoldsNoReferenceToItsFormerKey) {
+  SpecHandleMap map(4);
+  const Vel::Ptr<const MatchSpec> spec = Vel::allocate<MatchSpec>(5);
+  map.insert(spec, 0x11);
+  EXPECT_EQ(spec->references(), 2u);
+  map.remove(spec);
+  EXPECT_EQ(spec->references(), 1u);
+  const Vel::Ptr<const MatchSpec> next = Vel::allocate<MatchSpec>(6);
+  map.insert(next, 0x22);
+  EXPECT_EQ(next->references(), 2u);
+  EXPECT_EQ(map.find(spec), nullptr);
+  EXPECT_EQ(map.find(next)->value(), 0x22u);
+}
+
 TEST_F(HashMap2018Test, ReferenceKeysCompareByIdentityAndAreHeldWhilePresent) {
   SpecHandleMap map(4);
   const Vel::Ptr<const MatchSpec> spec = Vel::allocate<MatchSpec>(5);
