@@ -31,3 +31,11 @@ endif()
 if(MIRRORLAG_FUZZ)
   add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
+
+# Our shared libraries bind the calls to their own functions when they are
+# linked, across their source files, instead of through their symbol table
+# at run time: with the option above, every call inside one of them is a
+# direct call. (The chip model, the vendor's library, keeps its own linking.)
+function(mirrorlag_direct_calls target)
+  target_link_options(${target} PRIVATE LINKER:-Bsymbolic-functions)
+endfunction()

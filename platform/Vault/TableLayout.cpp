@@ -27,12 +27,5 @@ std::optional<TableLayout> TableLayout::of(std::uint32_t recordSize,
   return TableLayout{recordSize, capacity, slotSize, size};
 }
 
-std::uint64_t TableLayout::slotOffset(std::uint32_t slot) const noexcept {
-  return sizeof(TableHeader) + std::uint64_t{slotSize} * slot;
-}
-
-std::uint64_t TableLayout::copyOffset(unsigned copy) const noexcept {
-  return kControlSize + copy * copySizeFor(recordSize);
-}
 
 }  // namespace Vault

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "Vault/TableHeader.h"
+
 namespace Vault {
 
 // Where things lie in a table's segment: the header, then `capacity` slots of
@@ -12,6 +14,7 @@ struct TableLayout {
   static constexpr std::uint32_t kMaxRecordSize = 1u << 16;
   static constexpr std::uint32_t kMaxCapacity = 1u << 24;
   static constexpr std::uint64_t kControlSize = 8;
+  static constexpr std::uint64_t kHeaderSize = sizeof(TableHeader);
 
   std::uint32_t recordSize;
   std::uint32_t capacity;
@@ -24,9 +27,14 @@ struct TableLayout {
   // The slot size records of `recordSize` bytes need.
   static std::uint32_t slotSizeFor(std::uint32_t recordSize) noexcept;
 
-  std::uint64_t slotOffset(std::uint32_t slot) const noexcept;
+  // Offset of a slot in the segment. (Inline: every record write asks.)
+  std::uint64_t slotOffset(std::uint32_t slot) const noexcept {
+    return kHeaderSize + std::uint64_t{slotSize} * slot;
+  }
   // Offset of copy 0 or 1 within a slot.
-  std::uint64_t copyOffset(unsigned copy) const noexcept;
+  std::uint64_t copyOffset(unsigned copy) const noexcept {
+    return kControlSize + copy * std::uint64_t{(slotSize - kControlSize) / 2};
+  }
 };
 
 }  // namespace Vault

@@ -27,21 +27,24 @@ class AllocTrackTypeInfo {
 
   // The readable (demangled) name of the type.
   const std::string& typeName() const noexcept { return typeName_; }
-  std::size_t liveObjects() const noexcept { return live_.load(std::memory_order_relaxed); }
+  // Released objects are read before allocated ones: every release follows
+  // its allocation, so the difference is never negative, even while threads
+  // allocate and release.
+  std::size_t liveObjects() const noexcept {
+    const std::size_t released = released_.load(std::memory_order_acquire);
+    return total_.load(std::memory_order_acquire) - released;
+  }
   std::size_t totalAllocated() const noexcept { return total_.load(std::memory_order_relaxed); }
 
   // Always atomic: objects of one type are made and destroyed in many threads
-  // even when no object is shared between them.
-  void allocated() noexcept {
-    live_.fetch_add(1, std::memory_order_relaxed);
-    total_.fetch_add(1, std::memory_order_relaxed);
-  }
-  void released() noexcept { live_.fetch_sub(1, std::memory_order_relaxed); }
+  // even when no object is shared between them. One atomic step each.
+  void allocated() noexcept { total_.fetch_add(1, std::memory_order_acq_rel); }
+  void released() noexcept { released_.fetch_add(1, std::memory_order_acq_rel); }
   // An object that its owner keeps, emptied, to use again is counted as
   // released meanwhile (released()), and comes back either as a new
   // allocation (allocated()) or, just before it is destroyed instead, as live
   // again (unparked()): the counts stay those of a free and a new allocation.
-  void unparked() noexcept { live_.fetch_add(1, std::memory_order_relaxed); }
+  void unparked() noexcept { released_.fetch_sub(1, std::memory_order_acq_rel); }
 
   // The record of the type with this readable name, or null.
   static const AllocTrackTypeInfo* find(const std::string& typeName);
@@ -52,8 +55,8 @@ class AllocTrackTypeInfo {
 
  private:
   std::string typeName_;
-  std::atomic<std::size_t> live_{0};
   std::atomic<std::size_t> total_{0};
+  std::atomic<std::size_t> released_{0};
 };
 
 }  // namespace Vel
