@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "Quill/Assert.h"
-#include "Vel/BitReverse.h"
 #include "Vel/FwkHash.h"
 #include "Vel/HashMapLink.h"
 #include "Vel/Ptr.h"
@@ -178,7 +177,7 @@ class HashMap {
     { constElement.fwkHmReversedHash() } -> std::convertible_to<std::uint32_t>;
   };
 
-  static std::uint32_t reversedHashOf(const Key& key) { return bitReverse(fwkHashOfKey(key)); }
+  static std::uint32_t reversedHashOf(const Key& key) { return fwkReversedHashOfKey(key); }
 
   // The reversed hash of an element in the map.
   static std::uint32_t reversedHashOfElement(const T& element) {

@@ -76,6 +76,20 @@ TEST(FwkHashTest, ReferencesHashByIdentity) {
   EXPECT_EQ(Vel::fwkHash(Vel::Ptr<Spec>()), Vel::fwkHashOfAddress(0));
 }
 
+// The maps order by the reversed hash; a key type that makes it directly must
+// give what reversing its hash gives.
+TEST(FwkHashTest, TheReversedHashIsTheHashReversed) {
+  const Vel::Ptr<Spec> a = Vel::allocate<Spec>();
+  EXPECT_EQ(Vel::fwkReversedHashOfKey(a), Vel::bitReverse(Vel::fwkHash(a)));
+  EXPECT_EQ(Vel::fwkReversedHashOfKey(Vel::Ptr<Spec>()), Vel::bitReverse(Vel::fwkHashOfAddress(0)));
+  EXPECT_EQ(Vel::fwkReversedHashOfKey(std::uint32_t{6}), Vel::bitReverse(6u));
+  EXPECT_EQ(Vel::fwkReversedHashOfKey(FwkHashTestIds::MemberId(5)), Vel::bitReverse(15u));
+  for (std::uintptr_t address = 0; address < 0x100000; address += 0x1010) {
+    ASSERT_EQ(Vel::bitReverse(Vel::fwkHashOfAddress(address)),
+              Vel::fwkReversedHashOfAddress(address));
+  }
+}
+
 // Aligned, neighbouring addresses must still spread over the buckets that the
 // low bits of the hash choose.
 TEST(FwkHashTest, NeighbouringAddressesSpreadOverBuckets) {
