@@ -132,7 +132,7 @@ void ShadowRecorder::finish(const Step& step, bool succeeded) noexcept {
   try {
     std::visit(
         [succeeded](const auto& started) {
-          if constexpr (!std::is_same_v<std::decay_t<decltype(started)>, std::monostate>) {
+          if constexpr (!std::is_same_v<std::decay_t<decltype(started)>, Unrecorded>) {
             finishStep(started, succeeded);
           }
         },

@@ -70,7 +70,12 @@ class ShadowRecorder {
   using EntryConfig = MbbVaultKey::VaultKeyManager::EntryConfig;
   using AdtEntryConfig = MbbVaultKey::VaultKeyManager::AdtEntryConfig;
   using SelGrpEntryConfig = MbbVaultKey::VaultKeyManager::SelGrpEntryConfig;
-  using Step = std::variant<std::monostate, ShadowStep<EntryConfig>, ShadowStep<AdtEntryConfig>,
+  // The step of a call that is not recorded. Its constructor is provided, so
+  // that a new step (one per recorded PD call) is not zeroed whole first.
+  struct Unrecorded {
+    Unrecorded() noexcept {}
+  };
+  using Step = std::variant<Unrecorded, ShadowStep<EntryConfig>, ShadowStep<AdtEntryConfig>,
                             ShadowStep<SelGrpEntryConfig>>;
 
   void probe(ShadowCallStep step) const {

@@ -14,6 +14,10 @@ namespace BfPdIngressMirrorLagGroup {
 // place, field by field, where its call keeps it.
 template <Vault::MbbPostcodef::ShadowRecord R>
 struct ShadowStep {
+  // Provided, so that a new step is made field by field rather than zeroed
+  // whole first: a step is made for every recorded PD call.
+  ShadowStep() noexcept {}
+
   MbbVaultKey::ShadowTable<R>* table = nullptr;
   R intent;
   R replaced;

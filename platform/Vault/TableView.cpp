@@ -1,5 +1,6 @@
 #include "Vault/TableView.h"
 
+#include <bit>
 #include <cstddef>
 #include <cstring>
 
@@ -151,10 +152,26 @@ void TableView::checkCopy(const TableLayout& layout, std::uint32_t slot, const S
 
 std::uint64_t TableView::copyChecksum(std::uint32_t slot, const SlotCopy& copy,
                                       const void* record) noexcept {
+  return copyChecksum(slot, copy.key, copy.sequence, copy.state, copy.recordSize, record);
+}
+
+// The header's bytes before its checksum are three little-endian words: the
+// key, the sequence, and the state with the record size above it. Taking them
+// as words from the fields gives the checksum of those bytes without reading
+// back, as wide words, fields that were just written narrow.
+std::uint64_t TableView::copyChecksum(std::uint32_t slot, std::uint64_t key, std::uint64_t sequence,
+                                      std::uint32_t state, std::uint32_t recordSize,
+                                      const void* record) noexcept {
+  static_assert(std::endian::native == std::endian::little);
+  static_assert(offsetof(SlotCopy, key) == 0 && offsetof(SlotCopy, sequence) == 8 &&
+                offsetof(SlotCopy, state) == 16 && offsetof(SlotCopy, recordSize) == 20 &&
+                offsetof(SlotCopy, checksum) == 24);
   return Checksum()
       .add(slot)
-      .add(&copy, offsetof(SlotCopy, checksum))
-      .add(record, copy.recordSize)
+      .add(key)
+      .add(sequence)
+      .add(std::uint64_t{state} | std::uint64_t{recordSize} << 32)
+      .add(record, recordSize)
       .value();
 }
 

@@ -37,6 +37,11 @@ class TableView {
   // The checksum a copy of `slot` must carry.
   static std::uint64_t copyChecksum(std::uint32_t slot, const SlotCopy& copy,
                                     const void* record) noexcept;
+  // The same, of a copy with these header fields: the checksum of the slot
+  // index, of the header's bytes before its checksum and of the record's.
+  static std::uint64_t copyChecksum(std::uint32_t slot, std::uint64_t key, std::uint64_t sequence,
+                                    std::uint32_t state, std::uint32_t recordSize,
+                                    const void* record) noexcept;
 
  private:
   // The header as it is now: checked once copied, so that it cannot change

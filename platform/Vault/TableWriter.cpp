@@ -152,18 +152,29 @@ std::uint32_t TableWriter::takeFreeSlot() {
 
 void TableWriter::writeCopy(std::uint32_t slot, unsigned copy, std::uint64_t key,
                             const void* record, SlotState state) {
-  SlotCopy head{key, writeSequence() + 1, static_cast<std::uint32_t>(state), layout_.recordSize, 0};
-  head.checksum = TableView::copyChecksum(slot, head, record);
+  // The header's fields go from registers to the segment one by one: a header
+  // built in memory and copied whole would be read back wide right after its
+  // narrow fields were written, which stalls the processor on every write.
+  const std::uint64_t sequence = writeSequence() + 1;
+  const auto stateWord = static_cast<std::uint32_t>(state);
+  const std::uint32_t recordSize = layout_.recordSize;
+  const std::uint64_t checksum =
+      TableView::copyChecksum(slot, key, sequence, stateWord, recordSize, record);
   std::byte* target = slotBytes(slot) + layout_.copyOffset(copy);
   const auto* source = static_cast<const std::byte*>(record);
-  std::uint32_t half = layout_.recordSize / 2;
+  const std::uint32_t half = recordSize / 2;
   probe(WriteStep::CopyStarted);
-  std::memcpy(target, &head, sizeof head);
-  std::memcpy(target + sizeof head, source, half);
+  auto& head = *reinterpret_cast<SlotCopy*>(target);
+  head.key = key;
+  head.sequence = sequence;
+  head.state = stateWord;
+  head.recordSize = recordSize;
+  head.checksum = checksum;
+  std::memcpy(target + sizeof(SlotCopy), source, half);
   probe(WriteStep::CopyHalfDone);
-  std::memcpy(target + sizeof head + half, source + half, layout_.recordSize - half);
+  std::memcpy(target + sizeof(SlotCopy) + half, source + half, recordSize - half);
   probe(WriteStep::CopyWritten);
-  header().writeSequence = head.sequence;
+  header().writeSequence = sequence;
 }
 
 void TableWriter::publish(std::uint32_t slot, SlotState state, unsigned copy) {
