@@ -16,6 +16,7 @@
 
 #include "BfIngressMirrorLagGroup/BfIngressMirrorLagGroup.h"
 #include "BfIngressMirrorLagGroup/hw/PluginTrace.h"
+#include "RatioArguments.h"
 #include "TimesReporter.h"
 #include "Vel/Allocate.h"
 #include "Vel/TraceSink.h"
@@ -159,8 +160,10 @@ class RatioReporter : public TimesReporter {
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv))
+  std::vector<char*> arguments = ratioArguments(argc, argv);
+  int count = static_cast<int>(arguments.size()) - 1;
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
     return 1;
   RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
