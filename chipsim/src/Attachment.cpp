@@ -57,6 +57,19 @@ int Attachment::ensureChip() {
   return 0;
 }
 
+int Attachment::checkSegment() {
+  if (int error = ensureChip()) {
+    return error;
+  }
+  std::shared_lock<std::shared_mutex> guard(mutex_);
+  if (segment_) {
+    if (std::optional<std::string> cut = segment_->cutShort()) {
+      return damaged(*cut);
+    }
+  }
+  return 0;
+}
+
 int Attachment::attach(const char* name, bool create) {
   std::unique_lock<std::shared_mutex> guard(mutex_);
   std::unique_ptr<Segment> segment;

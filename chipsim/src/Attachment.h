@@ -5,6 +5,7 @@
 #include <mutex>
 #include <shared_mutex>
 #include <string>
+#include <utility>
 
 #include "Chip.h"
 #include "ChipLock.h"
@@ -58,6 +59,17 @@ class Attachment {
     return 0;
   }
 
+  // As use(), once the chip's segment is found whole (Segment::cutShort()):
+  // for the calls that start a walk over the chip's tables. EUCLEAN when it
+  // was cut short.
+  template <class F>
+  int useWhole(F&& f) {
+    if (int error = checkSegment()) {
+      return error;
+    }
+    return use(std::forward<F>(f));
+  }
+
   // What the calling thread's last failed use() found.
   static std::string& lastFault();
 
@@ -65,6 +77,8 @@ class Attachment {
   Attachment();
 
   int ensureChip();
+  // 0, or EUCLEAN with the fault when the chip's segment was cut short.
+  int checkSegment();
   // Records `fault` as the last fault; EUCLEAN.
   int damaged(const std::string& fault);
   // Replaces the chip by that of `segment`; the caller holds mutex_ exclusively.

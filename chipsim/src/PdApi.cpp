@@ -251,6 +251,7 @@ pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_group_member_state_se
 pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_member(
     p4_pd_session_handle_t sess_hdl, p4_pd_device_id_t dev_id, p4_pd_member_handle_t* mbr_hdl) {
   return PdCall(PdFunction::getFirstMember)
+      .startsWalk()
       .session(sess_hdl)
       .device(dev_id)
       .handleOut(LogLabel::mbr, mbr_hdl)
@@ -275,6 +276,7 @@ pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_get_next_member(
 pipe_status p4_pd_kestro_switch_mirrorLagPortActionProfile_get_first_group(
     p4_pd_session_handle_t sess_hdl, p4_pd_device_id_t dev_id, p4_pd_group_handle_t* grp_hdl) {
   return PdCall(PdFunction::getFirstGroup)
+      .startsWalk()
       .session(sess_hdl)
       .device(dev_id)
       .handleOut(LogLabel::grp, grp_hdl)

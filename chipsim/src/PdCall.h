@@ -35,6 +35,13 @@ class PdCall {
   PdCall& matchSpec(const MatchSpec* match) noexcept;
   PdCall& actionSpec(const ActionSpec* action) noexcept;
 
+  // The call starts a walk over the chip's tables: it first checks that the
+  // chip's segment was not cut short (Attachment::useWhole()).
+  PdCall& startsWalk() noexcept {
+    startsWalk_ = true;
+    return *this;
+  }
+
   PdCall& handleOut(LogLabel label, const uint32_t* handle) noexcept;
   PdCall& flagOut(LogLabel label, const bool* value) noexcept;
   PdCall& matchSpecOut(const MatchSpec* match) noexcept;
@@ -43,13 +50,15 @@ class PdCall {
   template <class Operation>
   pipe_status run(Operation&& operation) noexcept {
     pipe_status status = kUnexpected;
-    int error = Attachment::instance().use([&](Chip& chip) {
+    auto call = [&](Chip& chip) {
       bool injected = chip.calls().countCall(function(), status);
       if (!injected) {
         status = operation(chip);
       }
       record(chip, status, injected);
-    });
+    };
+    Attachment& attachment = Attachment::instance();
+    int error = startsWalk_ ? attachment.useWhole(call) : attachment.use(call);
     if (error != 0) {
       return error == ENOMEM ? kNoSystemResources : kUnexpected;
     }
@@ -73,6 +82,7 @@ class PdCall {
 
   LogRecord record_;
   Output outputs_[LogRecord::kMaxOutputs];
+  bool startsWalk_ = false;
 };
 
 }  // namespace chipsim

@@ -126,11 +126,30 @@ bool published(const std::byte* base) noexcept {
 
 }  // namespace
 
-Segment::Segment(std::byte* base, uint64_t size, std::string name, bool isPrivate) noexcept
-    : base_(base), size_(size), name_(std::move(name)), private_(isPrivate) {}
+Segment::Segment(std::byte* base, uint64_t size, std::string name, bool isPrivate, int fd) noexcept
+    : base_(base), size_(size), name_(std::move(name)), private_(isPrivate), fd_(fd) {}
 
 Segment::~Segment() {
   munmap(base_, size_);
+  if (fd_ >= 0) {
+    close(fd_);
+  }
+}
+
+std::optional<std::string> Segment::cutShort() const {
+  if (fd_ < 0) {
+    return std::nullopt;
+  }
+  struct stat status;
+  if (fstat(fd_, &status) != 0) {
+    return std::string("its segment cannot be looked at: ") + std::strerror(errno);
+  }
+  const auto size = static_cast<uint64_t>(status.st_size);
+  if (size >= size_) {
+    return std::nullopt;
+  }
+  return "its segment was cut short to " + std::to_string(size) + " of " + std::to_string(size_) +
+         " bytes";
 }
 
 int Segment::makePrivate(const chipsim_config& config, std::unique_ptr<Segment>& segment) {
@@ -144,7 +163,7 @@ int Segment::makePrivate(const chipsim_config& config, std::unique_ptr<Segment>&
     return errno;
   }
   Chip::format(static_cast<std::byte*>(base), config);
-  segment.reset(new Segment(static_cast<std::byte*>(base), layout->size, "(private)", true));
+  segment.reset(new Segment(static_cast<std::byte*>(base), layout->size, "(private)", true, -1));
   return 0;
 }
 
@@ -199,7 +218,14 @@ int Segment::open(const char* name, bool create, const chipsim_config& config,
     munmap(base, size);
     return ours ? EUCLEAN : EINVAL;
   }
-  segment.reset(new Segment(base, size, *full, false));
+  // A file of its own for the size checks: the locked one is closed on return.
+  const int kept = fcntl(fd, F_DUPFD_CLOEXEC, 0);
+  if (kept < 0) {
+    const int error = errno;
+    munmap(base, size);
+    return error;
+  }
+  segment.reset(new Segment(base, size, *full, false, kept));
   return 0;
 }
 

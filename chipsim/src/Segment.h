@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "chipsim/chipsim.h"
@@ -11,10 +12,12 @@ namespace chipsim {
 
 // The memory a chip lives in: a private mapping, or a named POSIX
 // shared-memory segment (mode 0600) that other processes map too.
-// A segment shorter than its chip is refused when it is opened. A segment that
-// another process cuts short after that is not looked for again: checking its
-// size on every PD call would cost a system call per call, and only a process
-// that may write the segment (its owner, mode 0600) can cut it.
+// A segment shorter than its chip is refused when it is opened, and the calls
+// that start a walk over the chip's tables look again (cutShort()), so that a
+// segment another process cut short since is reported rather than read past
+// its end. Other PD calls do not look: checking the size on every call would
+// cost a system call per call, and only a process that may write the segment
+// (its owner, mode 0600) can cut it.
 class Segment {
  public:
   ~Segment();
@@ -39,14 +42,20 @@ class Segment {
   bool isPrivate() const noexcept { return private_; }
   // "/name", or "(private)".
   const std::string& name() const noexcept { return name_; }
+  // Why the chip can no longer be read whole: its segment now holds fewer
+  // bytes than when it was opened, or cannot be looked at; nothing for a
+  // whole segment or a private chip.
+  std::optional<std::string> cutShort() const;
 
  private:
-  Segment(std::byte* base, uint64_t size, std::string name, bool isPrivate) noexcept;
+  Segment(std::byte* base, uint64_t size, std::string name, bool isPrivate, int fd) noexcept;
 
   std::byte* base_;
   uint64_t size_;
   std::string name_;
   bool private_;
+  // The segment's file, kept open to look at its size; -1 for a private chip.
+  int fd_;
 };
 
 }  // namespace chipsim

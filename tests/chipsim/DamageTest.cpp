@@ -14,6 +14,7 @@
 #include "DamagedChip.h"
 #include "NamedChip.h"
 #include "Pd/PipeStatus.h"
+#include "Processes.h"
 #include "ToolRun.h"
 
 namespace chipsim_test {
@@ -166,6 +167,32 @@ TEST_F(DamageTest, ATruncatedSegmentIsRefusedAtAttach) {
   expectToolRefuses(fault);
   EXPECT_EQ(pd.attachExisting(chip.c_str()), EUCLEAN);
   EXPECT_STREQ(pd.lastFault(), fault.c_str());
+}
+
+// A process attached to the chip before another cut its segment short is told
+// so when it starts a walk of the members or groups, instead of reading past
+// the end of the segment (which would kill it with SIGBUS).
+TEST_F(DamageTest, AWalkOfASegmentCutShortSinceItWasOpenedIsRefused) {
+  ASSERT_EQ(pd.attach(nullptr), 0);  // this process must not touch the cut memory
+  const uint64_t size = [&] {
+    DamagedChip memory(chip.name());
+    return memory.header().segmentSize;
+  }();
+  const std::string fault = "its segment was cut short to " + std::to_string(size / 2) + " of " +
+                            std::to_string(size) + " bytes";
+  const int status = waitChild(runChild([&] {
+    if (pd.attachExisting(chip.c_str()) != 0)
+      return 2;
+    DamagedChip(chip.name()).truncateTo(size / 2);
+    uint32_t member = 0;
+    uint32_t group = 0;
+    if (pd.getFirstMember(1, 0, &member) != kUnexpected || std::string(pd.lastFault()) != fault)
+      return 3;
+    if (pd.getFirstGroup(1, 0, &group) != kUnexpected || std::string(pd.lastFault()) != fault)
+      return 4;
+    return member == 0 && group == 0 ? 0 : 5;
+  }));
+  EXPECT_EQ(status, 0);
 }
 
 TEST_F(DamageTest, AKeyChainInACircleIsNeverFollowedForever) {
