@@ -27,5 +27,4 @@ std::optional<TableLayout> TableLayout::of(std::uint32_t recordSize,
   return TableLayout{recordSize, capacity, slotSize, size};
 }
 
-
 }  // namespace Vault
