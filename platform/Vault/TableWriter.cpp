@@ -63,10 +63,18 @@ void TableWriter::checkDimensions(std::uint32_t recordType, std::uint32_t capaci
         name().c_str(), found.capacity, found.recordType, found.recordSize, capacity, recordType,
         layout_.recordSize));
   }
-  if (segment_->size() < layout_.segmentSize) {
+  refuseShorter(segment_->size());
+}
+
+void TableWriter::checkWhole() const {
+  refuseShorter(file_->size());
+}
+
+void TableWriter::refuseShorter(std::uint64_t size) const {
+  if (size < layout_.segmentSize) {
     throw Quill::CorruptionDetectedException(
         Vel::format("Vault table %s: segment truncated to %llu of %llu bytes", name().c_str(),
-                    static_cast<unsigned long long>(segment_->size()),
+                    static_cast<unsigned long long>(size),
                     static_cast<unsigned long long>(layout_.segmentSize)));
   }
 }
@@ -206,6 +214,7 @@ void TableWriter::countIs(std::uint32_t count) noexcept {
 }
 
 std::uint32_t TableWriter::validate() const {
+  checkWhole();
   view_.checkHeader(header().recordType, layout_.recordSize);
   std::vector<std::byte> scratch(layout_.recordSize);
   std::uint32_t records = 0;
@@ -218,6 +227,7 @@ std::uint32_t TableWriter::validate() const {
 }
 
 std::uint32_t TableWriter::cleanup() {
+  checkWhole();
   // Slots damaged since attaching are found by reading every slot again.
   slotOfKey_.clear();
   freeSlots_.clear();

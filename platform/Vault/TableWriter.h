@@ -56,6 +56,10 @@ class TableWriter {
   // Frees the slot of `key`; false when there is none.
   bool remove(std::uint64_t key);
   std::optional<std::uint32_t> slotOf(std::uint64_t key) const;
+  // Raises Quill::CorruptionDetectedException when another process has cut the
+  // segment short since it was mapped: a walk over it would die of SIGBUS.
+  // Every walk of the writer's (first(), validate(), cleanup()) starts here.
+  void checkWhole() const;
   // Checks every slot; raises at the first damaged one. Returns the records.
   std::uint32_t validate() const;
   // Frees every damaged slot; returns how many.
@@ -79,6 +83,8 @@ class TableWriter {
   void attach(const class SegmentFile& file, std::uint32_t recordType, std::uint32_t capacity);
   void format(const class SegmentFile& file, std::uint32_t recordType);
   void checkDimensions(std::uint32_t recordType, std::uint32_t capacity) const;
+  // Raises CorruptionDetectedException when `size` is short of the table's.
+  void refuseShorter(std::uint64_t size) const;
   // Learns which slots are free and which key each used slot holds, and puts
   // the header's count right after a writer died between a publish and a count.
   void recover();

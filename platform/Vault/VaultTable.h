@@ -31,6 +31,7 @@ class VaultTable : public VaultBase<R> {
 
   bool first(R& record, IterHint& hint) override {
     hint.reset();
+    writer_.checkWhole();
     return seek(0, SlotState::InUse, record, hint);
   }
   bool next(R& record, IterHint& hint) override {
@@ -38,6 +39,7 @@ class VaultTable : public VaultBase<R> {
   }
   bool firstIntent(R& record, IterHint& hint) {
     hint.reset();
+    writer_.checkWhole();
     return seek(0, SlotState::Intent, record, hint);
   }
   bool nextIntent(R& record, IterHint& hint) {

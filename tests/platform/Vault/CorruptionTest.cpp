@@ -3,7 +3,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <functional>
 #include <random>
+#include <string>
 
 #include "RawSegment.h"
 #include "ScratchName.h"
@@ -75,6 +77,28 @@ TEST_F(CorruptionTest, TruncatedSegmentStopsAtTheFirstSlotCut) {
   EXPECT_EQ(result.records, firstOf(2));
   EXPECT_EQ(result.corruption,
             message("slot 2: lies past the end of the segment (truncated to 282 of 480 bytes)"));
+}
+
+// A writer whose segment another process cut short after it was mapped is told
+// so at the start of each of its walks, instead of dying of SIGBUS in it.
+TEST_F(CorruptionTest, AWriterFindsItsSegmentCutShortBeforeEveryWalk) {
+  Table table(name_.str(), 4);
+  raw().truncate(slotOffset(2) + 10);
+  const std::string cut = message("segment truncated to 282 of 480 bytes");
+  TestRecord record;
+  Vault::IterHint hint;
+  auto expectCut = [&](const std::function<void()>& walk) {
+    try {
+      walk();
+      ADD_FAILURE() << "a walk of a segment cut short went ahead";
+    } catch (const Quill::CorruptionDetectedException& error) {
+      EXPECT_EQ(error.what(), cut);
+    }
+  };
+  expectCut([&] { table.first(record, hint); });
+  expectCut([&] { table.firstIntent(record, hint); });
+  expectCut([&] { table.validate(); });
+  expectCut([&] { table.cleanup(); });
 }
 
 TEST_F(CorruptionTest, SegmentShorterThanItsHeader) {
