@@ -7,4 +7,11 @@ const Vel::TraceHandle& pluginTrace() {
   return handle;
 }
 
+void writeTracePoint(unsigned level, unsigned line, const char* label, std::string_view message) {
+  if (auto trace = Vel::TraceHelper::createIfEnabled(pluginTrace(), level)) {
+    *trace << message;
+    trace->trace(tableSourcePath, line, label);
+  }
+}
+
 }  // namespace BfIngressMirrorLagGroup

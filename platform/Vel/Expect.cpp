@@ -7,46 +7,42 @@
 
 namespace Vel {
 
-namespace {
-
-// How many scopes of each id are open on this thread.
-struct OpenScopes {
+// How many scopes of each id are open on a thread.
+struct Expect::OpenScopes {
   std::array<unsigned, Expect::maxId + 1> count{};
   unsigned depth = 0;
 };
 
-thread_local OpenScopes openScopes;
+thread_local Expect::OpenScopes Expect::openScopes_;
 
-}  // namespace
-
-Expect::Expect(unsigned exceptionId) : id_(exceptionId) {
+Expect::Expect(unsigned exceptionId) : id_(exceptionId), scopes_(&openScopes_) {
   if (exceptionId > maxId) {
     throwRangeException(format("exception id %u is not in 0..%u", exceptionId, maxId));
   }
-  ++openScopes.count[id_];
-  ++openScopes.depth;
+  ++scopes_->count[id_];
+  ++scopes_->depth;
 }
 
 Expect::~Expect() {
-  --openScopes.count[id_];
-  --openScopes.depth;
+  --scopes_->count[id_];
+  --scopes_->depth;
 }
 
 bool Expect::isExpected(unsigned exceptionId) noexcept {
-  return exceptionId <= maxId && openScopes.count[exceptionId] > 0;
+  return exceptionId <= maxId && openScopes_.count[exceptionId] > 0;
 }
 
 ExceptionIdSet Expect::expected() noexcept {
   ExceptionIdSet set = 0;
   for (unsigned id = 0; id <= maxId; ++id) {
-    if (openScopes.count[id] > 0)
+    if (openScopes_.count[id] > 0)
       set |= ExceptionIdSet{1} << id;
   }
   return set;
 }
 
 unsigned Expect::depth() noexcept {
-  return openScopes.depth;
+  return openScopes_.depth;
 }
 
 }  // namespace Vel

@@ -23,7 +23,14 @@ class Expect {
   static unsigned depth() noexcept;
 
  private:
+  struct OpenScopes;
+  // The open scopes of each thread.
+  static thread_local OpenScopes openScopes_;
+
   unsigned id_;
+  // The open scopes of the thread that opened this one, found once: the scope
+  // closes on the same thread.
+  OpenScopes* scopes_;
 };
 
 }  // namespace Vel
