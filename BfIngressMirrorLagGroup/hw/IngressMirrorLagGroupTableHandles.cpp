@@ -15,8 +15,8 @@ using MaybeHandle = std::optional<std::uint32_t>;
 // The handle under a key, 0 when the key is absent.
 template <class Map>
 typename Map::Value handleOf(const Map& map, const typename Map::Key& key) {
-  const auto slot = map.find(key);
-  return slot ? slot->value() : typename Map::Value{0};
+  const typename Map::Value* handle = map.valueOf(key);
+  return handle != nullptr ? *handle : typename Map::Value{0};
 }
 
 // Most keys are new (a handle is registered after its object was created):

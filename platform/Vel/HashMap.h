@@ -93,6 +93,9 @@ class HashMap {
   // The element with this key, or null.
   Ptr<T> find(const Key& key) { return Ptr<T>(findRaw(key)); }
   Ptr<const T> find(const Key& key) const { return Ptr<const T>(findRaw(key)); }
+  // The element with this key, or null, without taking a reference: valid
+  // while the map holds it. For look-ups that only read the element.
+  const T* findUncounted(const Key& key) const { return findRaw(key); }
 
   // Adds an element under its own key. Returns false, changing nothing, when
   // an element with that key is present already.

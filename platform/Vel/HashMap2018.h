@@ -84,6 +84,12 @@ class HashMap2018 {
   // The slot of this key, or null.
   Ptr<Slot> find(const Key& key) { return slots_.find(key); }
   Ptr<const Slot> find(const Key& key) const { return slots_.find(key); }
+  // The value of this key, or null, without taking a reference to its slot:
+  // valid while the map holds the key. For look-ups that only read the value.
+  const Value* valueOf(const Key& key) const {
+    const Slot* slot = slots_.findUncounted(key);
+    return slot != nullptr ? &slot->value() : nullptr;
+  }
 
   // Adds a value under a key. Returns its new slot, or null, changing
   // nothing, when the key is present already.

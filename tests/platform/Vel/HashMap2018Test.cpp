@@ -145,6 +145,18 @@ TEST_F(HashMap2018Test, RefusesAKeyThatIsPresent) {
   EXPECT_EQ(live<HandleMap::Slot>(), 1u);
 }
 
+TEST_F(HashMap2018Test, ValueOfReadsAValueInPlace) {
+  HandleMap map(4);
+  map.insert(7, 0x1001);
+  const std::uint32_t* value = map.valueOf(7);
+  ASSERT_NE(value, nullptr);
+  EXPECT_EQ(*value, 0x1001u);
+  EXPECT_EQ(value, &map.find(7)->value());
+  EXPECT_EQ(map.valueOf(8), nullptr);
+  map.remove(7);
+  EXPECT_EQ(map.valueOf(7), nullptr);
+}
+
 TEST_F(HashMap2018Test, RemoveReturnsTheValueOfTheKey) {
   HandleMap map(4);
   map.insert(7, 0x1001);

@@ -214,6 +214,16 @@ TEST_F(HashMapTest, BucketCountIsTheInitialSizeRoundedUpToAPowerOfTwo) {
   EXPECT_EQ(ItemMap().buckets(), 4u);
 }
 
+TEST_F(HashMapTest, AnUncountedLookUpFindsTheElementWithoutAReference) {
+  ItemMap map(4);
+  const Vel::Ptr<Item> seven = item(7);
+  map.insert(seven);
+  EXPECT_EQ(seven->references(), 2u);
+  EXPECT_EQ(map.findUncounted(7), seven.get());
+  EXPECT_EQ(seven->references(), 2u);
+  EXPECT_EQ(map.findUncounted(8), nullptr);
+}
+
 TEST_F(HashMapTest, NewMapIsEmpty) {
   ItemMap map(4);
   EXPECT_TRUE(map.empty());
