@@ -9,10 +9,6 @@ using Vault::MbbPostcodef::opIdOf;
 using Vault::MbbPostcodef::ShadowOp;
 using Vault::MbbPostcodef::shadowOpOf;
 
-bool isDefaultEntry(const EntryConfig& record) {
-  return shadowOpOf(record.opId()) == ShadowOp::defaultEntrySet;
-}
-
 }  // namespace
 
 ShadowRecorder::Step ShadowRecorder::begin(const ShadowCall& call) {
@@ -29,7 +25,7 @@ ShadowRecorder::Step ShadowRecorder::begin(const ShadowCall& call) {
       beginDelete(*manager.entryShadow(), call.handle, call.op, step);
       break;
     case ShadowOp::defaultEntryReset:
-      if (std::optional<EntryConfig> record = manager.entryShadow()->recordWhere(isDefaultEntry)) {
+      if (std::optional<EntryConfig> record = manager.entryShadow()->firstIndexed()) {
         beginDeleteOf(*manager.entryShadow(), *record, call.op, step);
       }
       break;
@@ -65,7 +61,7 @@ void ShadowRecorder::beginDefaultEntrySet(const ShadowCall& call, Step& step) {
   MbbVaultKey::ShadowTable<EntryConfig>& table = *vaultKeyManager_->entryShadow();
   const EntryKey key = vaultKeyManager_->entryKeyTake();
   ShadowStep<EntryConfig>& started = stepIn(step, table, call.newHandle);
-  if (std::optional<EntryConfig> replaced = table.recordWhere(isDefaultEntry)) {
+  if (std::optional<EntryConfig> replaced = table.firstIndexed()) {
     started.replaced = *replaced;
     started.hasReplaced = true;
   }

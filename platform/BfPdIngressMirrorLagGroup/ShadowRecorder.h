@@ -30,7 +30,8 @@ namespace BfPdIngressMirrorLagGroup {
 // key; a member or group created without an allocAnon() is not recorded (it
 // has no id to be found by); a delete of an object without a record records
 // nothing. The default entry has one record: setting it replaces whatever
-// record the default entry had, under any key.
+// record the default entry had, under any key (found through the entry
+// table's index of default-entry records, which the key manager makes).
 //
 // Errors: a shadow table that cannot take the intent (full) raises
 // Vel::RangeException before the chip is called, so the call does not happen.

@@ -4,12 +4,14 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "Vault/FlatIndex.h"
 #include "Vault/IterHint.h"
 #include "Vault/MbbPostcodef/EntryKey.h"
+#include "Vault/MbbPostcodef/ShadowOp.h"
 #include "Vault/ReadOnlyVaultTable.h"
 #include "Vault/SpareNodes.h"
 #include "Vault/VaultTable.h"
@@ -31,14 +33,21 @@ namespace MbbVaultKey {
 //
 // On attach, slots that fail their checks are freed (damagedFreed() tells how
 // many), so that the table can be walked again.
+//
+// A table may index the records of one operation (`indexedOp`, such as the
+// default entry's set in the entry table), so that the first of them is found
+// without a walk (firstIndexed()).
 template <class R>
 class ShadowTable {
  public:
   using EntryKey = Vault::MbbPostcodef::EntryKey;
+  using ShadowOp = Vault::MbbPostcodef::ShadowOp;
 
-  ShadowTable(const std::string& name, std::uint32_t capacity)
+  ShadowTable(const std::string& name, std::uint32_t capacity,
+              std::optional<ShadowOp> indexedOp = std::nullopt)
       : table_(Vel::allocate<Vault::VaultTable<R>>(name, capacity)),
-        config_(Vel::allocate<Vault::ReadOnlyVaultTable<R>>(name)) {
+        config_(Vel::allocate<Vault::ReadOnlyVaultTable<R>>(name)),
+        indexedOp_(indexedOp) {
     if (table_->writer().damagedSlotCount() != 0) {
       damagedFreed_ = table_->cleanup();
     }
@@ -89,6 +98,18 @@ class ShadowTable {
     }
     return std::nullopt;
   }
+  // The first finished record, in key order, that the indexed operation wrote
+  // (what recordWhere() finds for it), without a walk; nothing without an
+  // indexed operation.
+  std::optional<R> firstIndexed() const {
+    for (std::uint64_t key : indexed_) {
+      auto slot = byKey_.find(key);
+      if (slot != byKey_.end() && !slot->second.intent) {
+        return slot->second.record;
+      }
+    }
+    return std::nullopt;
+  }
   // Finished records and intents together.
   std::size_t size() const noexcept { return byKey_.size(); }
   // Finished records, or intents, in key order.
@@ -111,6 +132,7 @@ class ShadowTable {
     table_->intentIs(record);
     forgetHandle(record.vaultKey());
     spareSlots_.assign(byKey_, record.vaultKey(), Slot{record, true});
+    reindex(record);
   }
   // Writes `record` finished, after removing any other record of its handle.
   void recordIs(const R& record) {
@@ -123,6 +145,7 @@ class ShadowTable {
     forgetHandle(record.vaultKey());
     spareSlots_.assign(byKey_, record.vaultKey(), Slot{record, false});
     keyOfHandle_.assign(record.handle(), record.vaultKey());
+    reindex(record);
   }
   // Removes the record or intent of `key`; false when there is none.
   bool recordDel(const EntryKey& key) {
@@ -133,6 +156,9 @@ class ShadowTable {
     table_->remove(found->second.record);
     forgetHandle(key.value());
     spareSlots_.erase(byKey_, found);
+    if (indexedOp_) {
+      indexed_.erase(key.value());
+    }
     return true;
   }
 
@@ -148,10 +174,23 @@ class ShadowTable {
     for (bool found = table_->first(record, hint); found; found = table_->next(record, hint)) {
       byKey_[record.vaultKey()] = {record, false};
       keyOfHandle_.assign(record.handle(), record.vaultKey());
+      reindex(record);
     }
     for (bool found = table_->firstIntent(record, hint); found;
          found = table_->nextIntent(record, hint)) {
       byKey_[record.vaultKey()] = {record, true};
+      reindex(record);
+    }
+  }
+  // Keeps the index in step with `record`, just written under its key.
+  void reindex(const R& record) {
+    if (!indexedOp_) {
+      return;
+    }
+    if (Vault::MbbPostcodef::shadowOpOf(record.opId()) == *indexedOp_) {
+      indexed_.insert(record.vaultKey());
+    } else {
+      indexed_.erase(record.vaultKey());
     }
   }
   std::optional<R> find(const EntryKey& key, bool intent) const {
@@ -190,6 +229,9 @@ class ShadowTable {
   Vault::FlatIndex<std::uint32_t, std::uint64_t> keyOfHandle_;
   // Nodes of the map kept for the next record, which mostly follows a removal.
   Vault::SpareNodes<ByKey> spareSlots_;
+  // The keys of the records (finished or intents) of the indexed operation.
+  std::optional<ShadowOp> indexedOp_;
+  std::set<std::uint64_t> indexed_;
   std::uint32_t damagedFreed_ = 0;
 };
 

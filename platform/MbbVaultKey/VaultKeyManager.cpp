@@ -27,10 +27,11 @@ namespace {
 // The shadow table `name` of `baseName`, held for writing; another writer of
 // it is reported by the base name, as the host knows the tables.
 template <class R>
-std::unique_ptr<ShadowTable<R>> writerOf(const std::string& baseName, const std::string& name,
-                                         std::uint32_t capacity) {
+std::unique_ptr<ShadowTable<R>> writerOf(
+    const std::string& baseName, const std::string& name, std::uint32_t capacity,
+    std::optional<Vault::MbbPostcodef::ShadowOp> indexedOp = std::nullopt) {
   try {
-    return std::make_unique<ShadowTable<R>>(name, capacity);
+    return std::make_unique<ShadowTable<R>>(name, capacity, indexedOp);
   } catch (const Vault::TableInUseException& e) {
     throw Vault::TableInUseException(Vel::format("shadow tables '%s' are in use by process %d",
                                                  baseName.c_str(), int{e.holder()}),
@@ -42,7 +43,10 @@ std::unique_ptr<ShadowTable<R>> writerOf(const std::string& baseName, const std:
 
 VaultKeyManager::VaultKeyManager(const std::string& baseName, Capacity capacity)
     : baseName_(baseName),
-      entries_(writerOf<EntryConfig>(baseName, mbbTableName(baseName), capacity.entries)),
+      // The default entry's record is looked up on every change of the default
+      // entry: indexed, so that a full table is not walked for it.
+      entries_(writerOf<EntryConfig>(baseName, mbbTableName(baseName), capacity.entries,
+                                     Vault::MbbPostcodef::ShadowOp::defaultEntrySet)),
       members_(writerOf<AdtEntryConfig>(baseName, adtTableName(baseName), capacity.members)),
       groups_(writerOf<SelGrpEntryConfig>(baseName, selGrpTableName(baseName), capacity.groups)) {
   keyCountIs(entries_->largestKey(isEntryKey));

@@ -250,6 +250,40 @@ TEST_F(SharedShadowTablesTest, RecordWhereFindsAFinishedRecord) {
   EXPECT_EQ(manager->entryShadow()->recordWhere(handleAbove(25)), std::nullopt);
 }
 
+// The entry table indexes the default entry's records, so that the first
+// finished one is found without a walk, whatever was written over, removed,
+// or found again by a later attach: what recordWhere() finds for it.
+TEST_F(SharedShadowTablesTest, TheDefaultEntrysRecordIsFoundThroughTheIndex) {
+  auto defaultRecord = [](std::uint32_t key, std::uint32_t handle) {
+    return EntryConfig(EntryKey(0, key), opIdOf(ShadowOp::defaultEntrySet), handle, 0, 0xffff);
+  };
+  auto isDefault = [](const EntryConfig& record) {
+    return Vault::MbbPostcodef::shadowOpOf(record.opId()) == ShadowOp::defaultEntrySet;
+  };
+  {
+    auto manager = attach();
+    MbbVaultKey::ShadowTable<EntryConfig>& table = *manager->entryShadow();
+    table.recordIs(entryRecord(1, 10));
+    EXPECT_EQ(table.firstIndexed(), std::nullopt);
+    table.intentIs(defaultRecord(4, 40));
+    EXPECT_EQ(table.firstIndexed(), std::nullopt);  // an intent is not a record
+    table.recordIs(defaultRecord(4, 40));
+    table.recordIs(defaultRecord(3, 30));
+    EXPECT_EQ(table.firstIndexed(), defaultRecord(3, 30));
+    table.recordIs(entryRecord(3, 31));  // key 3 holds an entry now
+    EXPECT_EQ(table.firstIndexed(), defaultRecord(4, 40));
+    EXPECT_EQ(table.firstIndexed(), table.recordWhere(isDefault));
+    table.recordIs(defaultRecord(2, 20));
+    table.recordDel(EntryKey(0, 2));
+    EXPECT_EQ(table.firstIndexed(), defaultRecord(4, 40));
+  }
+  auto manager = attach();
+  EXPECT_EQ(manager->entryShadow()->firstIndexed(), defaultRecord(4, 40));
+  manager->entryShadow()->recordDel(EntryKey(0, 4));
+  EXPECT_EQ(manager->entryShadow()->firstIndexed(), std::nullopt);
+  EXPECT_EQ(manager->memberShadow()->firstIndexed(), std::nullopt);
+}
+
 // Damage found by a reader is reported to the table it read; attaching anew
 // frees the damaged slot, so that the table can be read again.
 TEST_F(SharedShadowTablesTest, DamageIsReportedToReadersAndFreedOnAttach) {
