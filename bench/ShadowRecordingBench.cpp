@@ -155,8 +155,8 @@ class RatioReporter : public TimesReporter {
     const Times few = times("defaultEntrySetReset/others:1/recording:1");
     const Times full = times("defaultEntrySetReset/others:65535/recording:1");
     std::printf(
-        "default entry set+reset, recorded, beside 65535 entries over beside 1 (the record is "
-        "found without a walk; what is left is the ordered map's depth)\n"
+        "default entry set+reset, recorded, beside 65535 entries over beside 1 (flat: the "
+        "record is found without a walk)\n"
         "  real: %7.1f ns -> %7.1f ns ratio %.2f   cpu: %7.1f ns -> %7.1f ns ratio %.2f\n",
         few.real, full.real, ratio(full.real, few.real), few.cpu, full.cpu,
         ratio(full.cpu, few.cpu));

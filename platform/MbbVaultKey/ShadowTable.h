@@ -1,11 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Vault/FlatIndex.h"
@@ -13,7 +14,6 @@
 #include "Vault/MbbPostcodef/EntryKey.h"
 #include "Vault/MbbPostcodef/ShadowOp.h"
 #include "Vault/ReadOnlyVaultTable.h"
-#include "Vault/SpareNodes.h"
 #include "Vault/VaultTable.h"
 #include "Vel/Allocate.h"
 #include "Vel/Ptr.h"
@@ -68,11 +68,11 @@ class ShadowTable {
   // Copies the finished record of `key` into `record`; false, leaving it as
   // it was, when there is none.
   bool recordInto(const EntryKey& key, R& record) const {
-    auto found = byKey_.find(key.value());
-    if (found == byKey_.end() || found->second.intent) {
+    const Held* held = heldOf(key.value());
+    if (held == nullptr || held->intent) {
       return false;
     }
-    record = found->second.record;
+    record = held->record;
     return true;
   }
   // Copies the finished record of a chip handle into `record`; false, leaving
@@ -91,9 +91,9 @@ class ShadowTable {
   }
   // The first finished record (in key order) for which `match` holds.
   std::optional<R> recordWhere(const std::function<bool(const R&)>& match) const {
-    for (const auto& [key, slot] : byKey_) {
-      if (!slot.intent && match(slot.record)) {
-        return slot.record;
+    for (const Held* held : inKeyOrder()) {
+      if (!held->intent && match(held->record)) {
+        return held->record;
       }
     }
     return std::nullopt;
@@ -103,22 +103,23 @@ class ShadowTable {
   // indexed operation.
   std::optional<R> firstIndexed() const {
     for (std::uint64_t key : indexed_) {
-      auto slot = byKey_.find(key);
-      if (slot != byKey_.end() && !slot->second.intent) {
-        return slot->second.record;
+      const Held* held = heldOf(key);
+      if (held != nullptr && !held->intent) {
+        return held->record;
       }
     }
     return std::nullopt;
   }
   // Finished records and intents together.
-  std::size_t size() const noexcept { return byKey_.size(); }
+  std::size_t size() const noexcept { return size_; }
   // Finished records, or intents, in key order.
   std::vector<R> records() const { return collect(false); }
   std::vector<R> intents() const { return collect(true); }
   // The largest key of a record or intent for which `counts` holds; key 0 when none.
   EntryKey largestKey(const std::function<bool(const EntryKey&)>& counts) const {
-    for (auto slot = byKey_.rbegin(); slot != byKey_.rend(); ++slot) {
-      EntryKey key = EntryKey::fromValue(slot->first);
+    const std::vector<const Held*> order = inKeyOrder();
+    for (auto held = order.rbegin(); held != order.rend(); ++held) {
+      EntryKey key = EntryKey::fromValue((*held)->record.vaultKey());
       if (counts(key)) {
         return key;
       }
@@ -129,9 +130,7 @@ class ShadowTable {
   // Writes the intent of `record` over whatever its key held. Throws
   // Vel::RangeException when the table is full; nothing changes then.
   void intentIs(const R& record) {
-    table_->intentIs(record);
-    forgetHandle(record.vaultKey());
-    spareSlots_.assign(byKey_, record.vaultKey(), Slot{record, true});
+    hold(table_->intentIs(record), record, true);
     reindex(record);
   }
   // Writes `record` finished, after removing any other record of its handle.
@@ -141,21 +140,20 @@ class ShadowTable {
         recordDel(*other);
       }
     }
-    table_->write(record);
-    forgetHandle(record.vaultKey());
-    spareSlots_.assign(byKey_, record.vaultKey(), Slot{record, false});
+    hold(table_->writeInSlot(record), record, false);
     keyOfHandle_.assign(record.handle(), record.vaultKey());
     reindex(record);
   }
   // Removes the record or intent of `key`; false when there is none.
   bool recordDel(const EntryKey& key) {
-    auto found = byKey_.find(key.value());
-    if (found == byKey_.end()) {
+    Held* held = heldOf(key.value());
+    if (held == nullptr) {
       return false;
     }
-    table_->remove(found->second.record);
-    forgetHandle(key.value());
-    spareSlots_.erase(byKey_, found);
+    table_->remove(held->record);
+    forgetHandle(*held);
+    held->used = false;
+    --size_;
     if (indexedOp_) {
       indexed_.erase(key.value());
     }
@@ -163,24 +161,80 @@ class ShadowTable {
   }
 
  private:
-  struct Slot {
+  // What this process knows of one slot of the table: the record or intent
+  // it holds, when it is used.
+  struct Held {
     R record;
-    bool intent;
+    bool used = false;
+    bool intent = false;
   };
 
   void load() {
     R record;
     Vault::IterHint hint;
     for (bool found = table_->first(record, hint); found; found = table_->next(record, hint)) {
-      byKey_[record.vaultKey()] = {record, false};
-      keyOfHandle_.assign(record.handle(), record.vaultKey());
-      reindex(record);
+      if (loadHeld(record, false)) {
+        keyOfHandle_.assign(record.handle(), record.vaultKey());
+      }
     }
     for (bool found = table_->firstIntent(record, hint); found;
          found = table_->nextIntent(record, hint)) {
-      byKey_[record.vaultKey()] = {record, true};
-      reindex(record);
+      loadHeld(record, true);
     }
+  }
+  // Holds a record found by the walk of attach in the slot the writer knows
+  // it by; false for one the writer does not index (damaged since), which
+  // cannot be written or removed by key either.
+  bool loadHeld(const R& record, bool intent) {
+    const std::optional<std::uint32_t> slot = table_->writer().slotOf(record.vaultKey());
+    if (!slot) {
+      return false;
+    }
+    hold(*slot, record, intent);
+    reindex(record);
+    return true;
+  }
+  // Keeps `record`, just written into `slot`, in place of what the slot held.
+  void hold(std::uint32_t slot, const R& record, bool intent) {
+    if (slot >= bySlot_.size()) {
+      bySlot_.resize(slot + 1);
+    }
+    Held& held = bySlot_[slot];
+    if (held.used) {
+      forgetHandle(held);
+    } else {
+      ++size_;
+    }
+    held.record = record;
+    held.used = true;
+    held.intent = intent;
+  }
+  // What the slot of `key` holds, when it holds that key.
+  const Held* heldOf(std::uint64_t key) const noexcept {
+    const std::optional<std::uint32_t> slot = table_->writer().slotOf(key);
+    if (!slot || *slot >= bySlot_.size()) {
+      return nullptr;
+    }
+    const Held& held = bySlot_[*slot];
+    return held.used && held.record.vaultKey() == key ? &held : nullptr;
+  }
+  Held* heldOf(std::uint64_t key) noexcept {
+    return const_cast<Held*>(std::as_const(*this).heldOf(key));
+  }
+  // Every used slot, in key order: for the walks that promise it, which are
+  // rare (attach, reports), so that no order is kept on every write.
+  std::vector<const Held*> inKeyOrder() const {
+    std::vector<const Held*> order;
+    order.reserve(size_);
+    for (const Held& held : bySlot_) {
+      if (held.used) {
+        order.push_back(&held);
+      }
+    }
+    std::sort(order.begin(), order.end(), [](const Held* left, const Held* right) {
+      return left->record.vaultKey() < right->record.vaultKey();
+    });
+    return order;
   }
   // Keeps the index in step with `record`, just written under its key.
   void reindex(const R& record) {
@@ -194,41 +248,41 @@ class ShadowTable {
     }
   }
   std::optional<R> find(const EntryKey& key, bool intent) const {
-    auto found = byKey_.find(key.value());
-    if (found == byKey_.end() || found->second.intent != intent) {
+    const Held* held = heldOf(key.value());
+    if (held == nullptr || held->intent != intent) {
       return std::nullopt;
     }
-    return found->second.record;
+    return held->record;
   }
   std::vector<R> collect(bool intent) const {
     std::vector<R> found;
-    for (const auto& [key, slot] : byKey_) {
-      if (slot.intent == intent) {
-        found.push_back(slot.record);
+    for (const Held* held : inKeyOrder()) {
+      if (held->intent == intent) {
+        found.push_back(held->record);
       }
     }
     return found;
   }
-  // Drops the handle index entry of the finished record of `key`, if any.
-  void forgetHandle(std::uint64_t key) {
-    auto slot = byKey_.find(key);
-    if (slot == byKey_.end() || slot->second.intent) {
+  // Drops the handle index entry of `held`, when it is a finished record.
+  void forgetHandle(const Held& held) {
+    if (held.intent) {
       return;
     }
-    const std::uint32_t handle = slot->second.record.handle();
+    const std::uint32_t handle = held.record.handle();
     const std::uint64_t* indexed = keyOfHandle_.find(handle);
-    if (indexed != nullptr && *indexed == key) {
+    if (indexed != nullptr && *indexed == held.record.vaultKey()) {
       keyOfHandle_.erase(handle);
     }
   }
 
   Vel::Ptr<Vault::VaultTable<R>> table_;
   Vel::Ptr<Vault::VaultBase<R>> config_;
-  using ByKey = std::map<std::uint64_t, Slot>;
-  ByKey byKey_;
+  // What each slot of the table holds, by the writer's slot number: the
+  // writer's index of keys finds a record's slot, and slots are taken lowest
+  // first, so this stays as long as the table's fullest use.
+  std::vector<Held> bySlot_;
+  std::size_t size_ = 0;
   Vault::FlatIndex<std::uint32_t, std::uint64_t> keyOfHandle_;
-  // Nodes of the map kept for the next record, which mostly follows a removal.
-  Vault::SpareNodes<ByKey> spareSlots_;
   // The keys of the records (finished or intents) of the indexed operation.
   std::optional<ShadowOp> indexedOp_;
   std::set<std::uint64_t> indexed_;

@@ -3,6 +3,7 @@
 #include <bit>
 #include <concepts>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace Vault {
@@ -41,11 +42,14 @@ class FlatIndex {
     entries_[at].value = value;
   }
   // Removes `key`; false when it is absent.
-  bool erase(Key key) noexcept {
+  bool erase(Key key) noexcept { return take(key).has_value(); }
+  // Removes `key` and returns its value; nothing when it is absent.
+  std::optional<Value> take(Key key) noexcept {
     std::size_t hole = probe(key);
     if (!entries_[hole].used) {
-      return false;
+      return std::nullopt;
     }
+    const Value taken = entries_[hole].value;
     // Later entries of the run whose home is not between the hole and them
     // move back into the hole, so that every entry stays reachable from home.
     for (std::size_t next = following(hole); entries_[next].used; next = following(next)) {
@@ -57,7 +61,7 @@ class FlatIndex {
     }
     entries_[hole].used = false;
     --size_;
-    return true;
+    return taken;
   }
   void clear() {
     entries_.assign(kInitialSize, Entry{});

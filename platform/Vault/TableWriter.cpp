@@ -126,14 +126,6 @@ void TableWriter::indexSlot(std::uint32_t slot, std::byte* scratch) {
   }
 }
 
-std::optional<std::uint32_t> TableWriter::slotOf(std::uint64_t key) const {
-  const std::uint32_t* slot = slotOfKey_.find(key);
-  if (slot == nullptr) {
-    return std::nullopt;
-  }
-  return *slot;
-}
-
 std::uint32_t TableWriter::write(std::uint64_t key, const void* record, SlotState state) {
   if (std::optional<std::uint32_t> slot = slotOf(key)) {
     // The copy that is not live takes the new record; the switch is one store.
@@ -192,13 +184,11 @@ void TableWriter::publish(std::uint32_t slot, SlotState state, unsigned copy) {
 }
 
 bool TableWriter::remove(std::uint64_t key) {
-  const std::uint32_t* found = slotOfKey_.find(key);
-  if (found == nullptr) {
+  const std::optional<std::uint32_t> slot = slotOfKey_.take(key);
+  if (!slot) {
     return false;
   }
-  const std::uint32_t slot = *found;
-  slotOfKey_.erase(key);
-  freeSlot(slot);
+  freeSlot(*slot);
   return true;
 }
 

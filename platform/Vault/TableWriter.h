@@ -55,7 +55,14 @@ class TableWriter {
   std::uint32_t write(std::uint64_t key, const void* record, SlotState state);
   // Frees the slot of `key`; false when there is none.
   bool remove(std::uint64_t key);
-  std::optional<std::uint32_t> slotOf(std::uint64_t key) const;
+  // The slot of `key` (in use or holding an intent), or nothing.
+  std::optional<std::uint32_t> slotOf(std::uint64_t key) const noexcept {
+    const std::uint32_t* slot = slotOfKey_.find(key);
+    if (slot == nullptr) {
+      return std::nullopt;
+    }
+    return *slot;
+  }
   // Raises Quill::CorruptionDetectedException when another process has cut the
   // segment short since it was mapped: a walk over it would die of SIGBUS.
   // Every walk of the writer's (first(), validate(), cleanup()) starts here.

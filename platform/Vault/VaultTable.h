@@ -47,7 +47,10 @@ class VaultTable : public VaultBase<R> {
   }
 
   void write(const R& record) override { store(record, SlotState::InUse); }
-  void intentIs(const R& record) { store(record, SlotState::Intent); }
+  // Writes `record` finished, as write() does; returns the slot it is in.
+  std::uint32_t writeInSlot(const R& record) { return store(record, SlotState::InUse); }
+  // Writes the intent of `record`; returns the slot it is in.
+  std::uint32_t intentIs(const R& record) { return store(record, SlotState::Intent); }
   bool remove(const R& record) override {
     bool removed = writer_.remove(record.vaultKey());
     counters_.removes += removed ? 1 : 0;
@@ -70,9 +73,10 @@ class VaultTable : public VaultBase<R> {
   Counters readerCounters() override { return counters_; }
 
  private:
-  void store(const R& record, SlotState state) {
-    writer_.write(record.vaultKey(), &record, state);
+  std::uint32_t store(const R& record, SlotState state) {
+    const std::uint32_t slot = writer_.write(record.vaultKey(), &record, state);
     ++counters_.writes;
+    return slot;
   }
   bool seek(std::uint32_t from, SlotState wanted, R& record, IterHint& hint) {
     const TableView& view = writer_.view();

@@ -238,6 +238,41 @@ TEST_F(SharedShadowTablesTest, ARecordWrittenAgainUnderItsKeyTakesItsNewHandle) 
             std::vector<EntryConfig>{entryRecord(1, 11)});
 }
 
+// Slots are taken lowest first whatever the key, so that the table's slots
+// hold keys in any order; the walks that promise key order keep it, before
+// and after an attach.
+TEST_F(SharedShadowTablesTest, WalksGoInKeyOrderWhateverSlotsTheRecordsTook) {
+  auto handleOfTwenties = [](const EntryConfig& record) { return record.handle() % 20 == 0; };
+  auto anyKey = [](const EntryKey&) { return true; };
+  {
+    auto manager = attach();
+    MbbVaultKey::ShadowTable<EntryConfig>& table = *manager->entryShadow();
+    table.recordIs(entryRecord(7, 70));
+    table.recordIs(entryRecord(5, 50));
+    table.intentIs(entryRecord(6, 0));
+    table.recordIs(entryRecord(3, 30));
+    ASSERT_TRUE(table.recordDel(EntryKey(0, 5)));
+    table.recordIs(entryRecord(8, 80));  // in the slot that key 5 left
+    table.recordIs(entryRecord(2, 20));
+    EXPECT_EQ(table.size(), 5u);
+    EXPECT_EQ(table.records(), (std::vector<EntryConfig>{entryRecord(2, 20), entryRecord(3, 30),
+                                                         entryRecord(7, 70), entryRecord(8, 80)}));
+    EXPECT_EQ(table.intents(), std::vector<EntryConfig>{entryRecord(6, 0)});
+    EXPECT_EQ(table.recordWhere(handleOfTwenties), entryRecord(2, 20));
+    EXPECT_EQ(table.largestKey(anyKey), EntryKey(0, 8));
+    EXPECT_EQ(table.record(EntryKey(0, 5)), std::nullopt);
+    EXPECT_FALSE(table.recordDel(EntryKey(0, 5)));
+  }
+  auto manager = attach();
+  MbbVaultKey::ShadowTable<EntryConfig>& table = *manager->entryShadow();
+  EXPECT_EQ(table.size(), 5u);
+  EXPECT_EQ(table.records(), (std::vector<EntryConfig>{entryRecord(2, 20), entryRecord(3, 30),
+                                                       entryRecord(7, 70), entryRecord(8, 80)}));
+  EXPECT_EQ(table.intent(EntryKey(0, 6)), entryRecord(6, 0));
+  EXPECT_EQ(table.keyOfHandle(80), EntryKey(0, 8));
+  EXPECT_EQ(table.largestKey([](const EntryKey& key) { return key.value() < 8; }), EntryKey(0, 7));
+}
+
 TEST_F(SharedShadowTablesTest, RecordWhereFindsAFinishedRecord) {
   auto manager = attach();
   manager->entryShadow()->recordIs(entryRecord(1, 10));

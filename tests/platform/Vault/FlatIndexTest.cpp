@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <random>
 
 namespace {
@@ -42,6 +43,18 @@ TEST(FlatIndexTest, EraseRemovesOnlyItsKey) {
   EXPECT_EQ(*index.find(2), 20u);
   EXPECT_EQ(index.size(), 1u);
   EXPECT_FALSE(index.erase(1));
+}
+
+TEST(FlatIndexTest, TakeRemovesItsKeyAndGivesItsValue) {
+  Index index;
+  index.assign(1, 10);
+  index.assign(2, 20);
+  EXPECT_EQ(index.take(2), 20u);
+  EXPECT_EQ(index.find(2), nullptr);
+  EXPECT_EQ(index.size(), 1u);
+  EXPECT_EQ(index.take(2), std::nullopt);
+  EXPECT_EQ(index.take(1), 10u);
+  EXPECT_TRUE(index.empty());
 }
 
 TEST(FlatIndexTest, KeysOfEveryWidthAndTheLargestAreKept) {
