@@ -168,6 +168,26 @@ TEST_P(VelGroupMemberFailureTest, ARefusedStateKeepsTheReactor) {
                                       memberStateLine(groupHandle(10), memberHandle(2), 1)));
 }
 
+TEST_P(VelGroupMemberFailureTest, ARefusedActivationKeepsTheReactor) {
+  const pipe_status status = GetParam();
+  const auto reactor = groupReactor()->groupMember(mid(2));
+  group->member(mid(2))->activeIs(false);
+  ASSERT_EQ(chip.failNext(chipsim_test::kGroupMemberStateSet.c_str(), status, 1), 0);
+  startLog();
+  expectPdFailure([&] { group->member(mid(2))->activeIs(true); },
+                  chipsim_test::kGroupMemberStateSet, status);
+  EXPECT_THAT(logLines(), ElementsAre(refusedLine(chipsim_test::kGroupMemberStateSet,
+                                                  groupMemberArgs(2) + ", state=0", status)));
+  EXPECT_EQ(groupReactor()->groupMember(mid(2)), reactor);
+  EXPECT_TRUE(reactor->hasNotificationActive());
+  // The next change of the flag is programmed.
+  startLog();
+  group->member(mid(2))->activeIs(false);
+  group->member(mid(2))->activeIs(true);
+  EXPECT_THAT(logLines(), ElementsAre(memberStateLine(groupHandle(10), memberHandle(2), 1),
+                                      memberStateLine(groupHandle(10), memberHandle(2), 0)));
+}
+
 TEST_P(VelGroupMemberFailureTest, ARefusedStateOfAMemberJoiningInactiveLeavesNoReactor) {
   const pipe_status status = GetParam();
   ASSERT_EQ(chip.failNext(chipsim_test::kGroupMemberStateSet.c_str(), status, 1), 0);
