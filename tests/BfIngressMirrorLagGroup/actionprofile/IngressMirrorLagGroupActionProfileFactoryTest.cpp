@@ -302,6 +302,8 @@ TEST_F(IngressMirrorLagGroupActionProfileFactoryTest, ReplayedMembersConfiguredA
   EXPECT_THAT(logLines(), ElementsAre(modifyMemberLine(recordedMembers[0].second, 101),
                                       modifyMemberLine(recordedMembers[2].second, 301)));
   EXPECT_EQ(chip.members(), 3u);
+  // The modified members keep the handles that the shadow table gave back.
+  EXPECT_THAT(registryMembers(), UnorderedElementsAreArray(recordedMembers));
 }
 
 TEST_F(IngressMirrorLagGroupActionProfileFactoryTest, DamageInTheMemberTableEndsOnlyItsWalk) {
