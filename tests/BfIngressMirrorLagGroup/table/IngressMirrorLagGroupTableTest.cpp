@@ -353,6 +353,23 @@ TEST_F(IngressMirrorLagGroupTableTest, FullTableOnAddThrowsTableFullAndTheEntryS
   EXPECT_EQ(registry().entry(match), 0u);
 }
 
+TEST_F(IngressMirrorLagGroupTableTest, FullTableOnAGroupAddThrowsTableFullAndTheEntryStaysEmpty) {
+  groupIs(4);
+  const auto match = matchOf(5);
+  ASSERT_EQ(chip.failNext(kAddEntryWithSelector.c_str(), 9, 1), 0);
+  try {
+    table->entryIs(groupEntry(match, 4));
+    FAIL() << "no exception";
+  } catch (const BfTable::BfTableFull& e) {
+    EXPECT_EQ(e.status(), 9);
+    EXPECT_EQ(e.message(),
+              "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_with_selector() failed: Not "
+              "enough Space");
+  }
+  EXPECT_TRUE(!table->entry(match));
+  EXPECT_EQ(registry().entry(match), 0u);
+}
+
 TEST_F(IngressMirrorLagGroupTableTest, AddTellsTheStatusManagerThenAllocatesAKeyThenCallsTheChip) {
   memberIs(11, 500);
   groupIs(4);
