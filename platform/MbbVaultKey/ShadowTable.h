@@ -154,9 +154,7 @@ class ShadowTable {
     forgetHandle(*held);
     held->used = false;
     --size_;
-    if (indexedOp_) {
-      indexed_.erase(key.value());
-    }
+    unindex(key.value());
     return true;
   }
 
@@ -244,7 +242,14 @@ class ShadowTable {
     if (Vault::MbbPostcodef::shadowOpOf(record.opId()) == *indexedOp_) {
       indexed_.insert(record.vaultKey());
     } else {
-      indexed_.erase(record.vaultKey());
+      unindex(record.vaultKey());
+    }
+  }
+  // Takes `key` out of the index. The index holds the few records of a rare
+  // operation and is mostly empty: then there is nothing to look for.
+  void unindex(std::uint64_t key) {
+    if (!indexed_.empty()) {
+      indexed_.erase(key);
     }
   }
   std::optional<R> find(const EntryKey& key, bool intent) const {
