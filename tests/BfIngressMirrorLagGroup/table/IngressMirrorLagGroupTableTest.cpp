@@ -36,7 +36,25 @@ std::string addEntryWithSelectorLine(unsigned session, std::uint32_t grp, std::u
          ", grp=" + std::to_string(grp) + ") = 0 entry=" + std::to_string(handle);
 }
 
-class IngressMirrorLagGroupTableTest : public TableFixture {};
+class IngressMirrorLagGroupTableTest : public TableFixture {
+ protected:
+  // Adds `entry`, which the chip refuses as full in `pdFunction`: the add
+  // throws BfTable::BfTableFull with status 9 and the function's message, and
+  // the entry stays empty, with no handle.
+  void expectFullOnAdd(const IngressMirrorLagGroupTableEntry& entry,
+                       const std::string& pdFunction) {
+    ASSERT_EQ(chip.failNext(pdFunction.c_str(), 9, 1), 0);
+    try {
+      table->entryIs(entry);
+      FAIL() << "no exception";
+    } catch (const BfTable::BfTableFull& e) {
+      EXPECT_EQ(e.status(), 9);
+      EXPECT_EQ(e.message(), pdFunction + "() failed: Not enough Space");
+    }
+    EXPECT_TRUE(!table->entry(entry.match()));
+    EXPECT_EQ(registry().entry(entry.match()), 0u);
+  }
+};
 
 TEST_F(IngressMirrorLagGroupTableTest, IsAnUnnamedEntityWithItsTypeRecord) {
   EXPECT_EQ(table->name(), "");
@@ -339,35 +357,15 @@ TEST_F(IngressMirrorLagGroupTableTest, EntryByHandleOfAnUnregisteredMemberGivesI
 
 TEST_F(IngressMirrorLagGroupTableTest, FullTableOnAddThrowsTableFullAndTheEntryStaysEmpty) {
   memberIs(11, 500);
-  const auto match = matchOf(5);
-  ASSERT_EQ(chip.failNext(kAddEntry.c_str(), 9, 1), 0);
-  try {
-    table->entryIs(memberEntry(match, 11));
-    FAIL() << "no exception";
-  } catch (const BfTable::BfTableFull& e) {
-    EXPECT_EQ(e.status(), 9);
-    EXPECT_EQ(e.message(),
-              "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry() failed: Not enough Space");
-  }
-  EXPECT_TRUE(!table->entry(match));
-  EXPECT_EQ(registry().entry(match), 0u);
+  EXPECT_EQ(kAddEntry, "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry");
+  expectFullOnAdd(memberEntry(matchOf(5), 11), kAddEntry);
 }
 
 TEST_F(IngressMirrorLagGroupTableTest, FullTableOnAGroupAddThrowsTableFullAndTheEntryStaysEmpty) {
   groupIs(4);
-  const auto match = matchOf(5);
-  ASSERT_EQ(chip.failNext(kAddEntryWithSelector.c_str(), 9, 1), 0);
-  try {
-    table->entryIs(groupEntry(match, 4));
-    FAIL() << "no exception";
-  } catch (const BfTable::BfTableFull& e) {
-    EXPECT_EQ(e.status(), 9);
-    EXPECT_EQ(e.message(),
-              "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_with_selector() failed: Not "
-              "enough Space");
-  }
-  EXPECT_TRUE(!table->entry(match));
-  EXPECT_EQ(registry().entry(match), 0u);
+  EXPECT_EQ(kAddEntryWithSelector,
+            "p4_pd_kestro_switch_ingressMirrorLagGroup_add_entry_with_selector");
+  expectFullOnAdd(groupEntry(matchOf(5), 4), kAddEntryWithSelector);
 }
 
 TEST_F(IngressMirrorLagGroupTableTest, AddTellsTheStatusManagerThenAllocatesAKeyThenCallsTheChip) {
